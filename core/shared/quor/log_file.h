@@ -1,0 +1,90 @@
+#ifndef QUOR_LOG_FILE_H
+#define QUOR_LOG_FILE_H
+
+#include <atomic>
+#include <string>
+
+namespace quor {
+
+/// The life of a text file of lines: how it is opened, which block opens it, how a line is framed
+/// and which block closes it. Log and TraceFile supply the texts.
+///
+/// A new or empty file starts with FileHeader(); a file that holds data gets AppendBanner() and
+/// keeps its old lines; standard output (an empty name) always gets FileHeader(). Each line, and
+/// each block, is one write(2). There is no retry: a failed call reaches Error(), which closes the
+/// file, and later lines are dropped until the owner opens it again. Files are created with mode
+/// 0666 whatever the process's mask, so they belong in a directory that only the daemon enters.
+///
+/// Nothing is locked: the derived classes serialise the operations of one object. The four flag
+/// accessors are atomic. Only std::bad_alloc is thrown. No operation is a cancellation point.
+class LogFile {
+public:
+    /// A single line feed, for users of the library.
+    static const std::string c_emptyLine;
+
+    LogFile();
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+    /// Closes the file. The trailer written from here is empty: a derived class that has one calls
+    /// Close() in its own destructor.
+    virtual ~LogFile();
+
+    /// Whether LineHeader() stands in front of each line; true at first. Returns true.
+    bool SetPrintLineHeader(const bool& value);
+    bool GetPrintLineHeader(bool& value) const;
+    /// Whether LineTrailer() stands behind the text of each line; true at first. Returns true.
+    bool SetPrintLineTrailer(const bool& value);
+    bool GetPrintLineTrailer(bool& value) const;
+
+protected:
+    static const std::string c_emptyStr;
+
+    /// The five texts; all empty here. Blocks are written as they are, line feeds included.
+    virtual std::string FileHeader() const;
+    virtual std::string AppendBanner() const;
+    virtual std::string FileTrailer() const;
+    virtual std::string LineHeader() const;
+    virtual std::string LineTrailer() const;
+
+    /// Called with the errno of a failed call; closes the file.
+    virtual void Error(int errorCode);
+
+    /// Opens `fileName`, or standard output when it is empty, and writes the opening block. Only
+    /// for a closed object. With `sync`, each line is followed by fsync(2), except on descriptor 1.
+    /// Returns false when the file cannot be opened, positioned (a pipe) or written.
+    bool Open(const std::string& fileName, bool sync);
+    /// Opens standard output.
+    bool Open();
+    /// Writes the trailer and closes the descriptor, standard output's too. When the trailer cannot
+    /// be written, says so on std::cerr. Does nothing on a closed object.
+    void Close();
+
+    /// Writes one line: header, `text` up to its NUL, trailer, line feed. `length` is not looked
+    /// at. Does nothing on a closed object.
+    void Write(const char* text, unsigned int length);
+    /// Writes `block` unchanged; false when that failed.
+    bool WriteHeader(std::string& block);
+    /// Calls Error(), unless it is running already.
+    void HandleError(int errorCode);
+
+    bool IsOpen() const { return m_fd != -1; }
+    /// The name last given to Open().
+    const std::string& FileName() const { return m_fileName; }
+    /// Changes the name that FileName() gives, for the next Open().
+    void SetFileName(const std::string& fileName) { m_fileName = fileName; }
+
+private:
+    bool OpenDescriptor();
+    bool WriteOpeningBlock(bool append);
+
+    std::string m_fileName;  // empty means standard output
+    bool m_sync;
+    int m_fd;  // -1 closed, 1 standard output
+    bool m_handlingError;
+    std::atomic<bool> m_printLineHeader;
+    std::atomic<bool> m_printLineTrailer;
+};
+
+}  // namespace quor
+
+#endif

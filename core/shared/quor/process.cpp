@@ -1,0 +1,94 @@
+#include <quor/process.h>
+
+#include <cxxabi.h>
+#include <dlfcn.h>
+#include <execinfo.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+namespace quor {
+namespace {
+
+constexpr int c_maxDepth = 128;
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+using CText = std::unique_ptr<char, Free>;
+
+CText Demangle(const char* mangled) {
+    return CText(abi::__cxa_demangle(mangled, nullptr, nullptr, nullptr));
+}
+
+std::string FrameText(void* address, const char* fallback) {
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || info.dli_sname == nullptr) {
+        return fallback;
+    }
+    const CText function = Demangle(info.dli_sname);
+    if (function == nullptr) {
+        return fallback;
+    }
+    char text[500];
+    std::snprintf(text, sizeof(text), "%s(%s) [0x%" PRIxPTR "]", info.dli_fname, function.get(),
+                  reinterpret_cast<std::uintptr_t>(info.dli_saddr));
+    return text;
+}
+
+}  // namespace
+
+const char* GetProgName() {
+    return program_invocation_short_name;
+}
+
+pid_t GetPid() {
+    return getpid();
+}
+
+pid_t GetTid() {
+    return static_cast<pid_t>(syscall(SYS_gettid));
+}
+
+std::string CppName(const char* mangled) {
+    const CText name = Demangle(mangled);
+    return name != nullptr ? name.get() : mangled;
+}
+
+std::string CppName(const std::type_info& type) {
+    return CppName(type.name());
+}
+
+// Inlined, or entered by a jump, it would lose its own frame and the skipped one would be its
+// caller's.
+__attribute__((noinline)) std::vector<std::string> GetExecutionStack(int depth) {
+    void* frames[c_maxDepth + 1];
+    const int count = backtrace(frames, std::min(depth, c_maxDepth) + 1);
+    std::vector<std::string> stack;
+    if (count <= 1) {
+        return stack;
+    }
+    const std::unique_ptr<char*, Free> symbols(backtrace_symbols(frames, count));
+    if (symbols == nullptr) {
+        return stack;
+    }
+    stack.reserve(static_cast<std::size_t>(count) - 1);
+    for (int index = 1; index < count; ++index) {
+        stack.push_back(FrameText(frames[index], symbols.get()[index]));
+    }
+    return stack;
+}
+
+__attribute__((noinline)) std::string ThisFncName() {
+    const std::vector<std::string> stack = GetExecutionStack(2);
+    return stack.empty() ? std::string() : stack.back();
+}
+
+}  // namespace quor

@@ -1,0 +1,138 @@
+#ifndef QUOR_TRACE_H
+#define QUOR_TRACE_H
+
+#include <quor/trace_file.h>
+#include <quor/trace_level.h>
+
+#include <cstddef>
+#include <sstream>
+#include <string>
+
+/// Sites above this level are left out at compile time; their messages are still type-checked.
+/// Define it before the first include, or for the whole program. The default keeps every site.
+#ifndef QUOR_TRACE_MAX_LEVEL
+#define QUOR_TRACE_MAX_LEVEL ::quor::Detail
+#endif
+
+/// Traces a stream expression at a level:
+///
+///     QUOR_TRACE(quor::Low, "Worker thread: " << m_name << ": START");
+///
+/// `level` is evaluated once, the message only when the gate is open, before any lock is taken: it
+/// may itself trace. Numbers print without the digit grouping of the host's locale, and
+/// manipulators do not reach the next message. One statement. errno stays what it was. Throws what
+/// the message throws (nothing is written then) and what TraceWrite() throws.
+#define QUOR_TRACE(level, ...) QUOR_TRACE_SITE_(__COUNTER__, level, __VA_ARGS__)
+
+/// Traces the entry of the enclosing scope here, and its exit, at level High.
+#define QUOR_TRACE_FNC() \
+    const ::quor::TraceFnc QUOR_JOIN_(quorTraceFnc_, __LINE__)(__PRETTY_FUNCTION__, \
+                                                               QUOR_FILE_STEM_(), __LINE__)
+
+// The names end in a number of their own, since a message may hold a lambda that traces.
+#define QUOR_TRACE_SITE_(number, level, ...)                                                      \
+    QUOR_TRACE_BODY_(QUOR_JOIN_(quorLevel_, number), QUOR_JOIN_(quorMessage_, number), level,     \
+                     __VA_ARGS__)
+#define QUOR_TRACE_BODY_(siteLevel, siteMessage, level, ...)                                      \
+    do {                                                                                          \
+        const ::quor::TraceLevel_e siteLevel = (level);                                           \
+        if (siteLevel <= QUOR_TRACE_MAX_LEVEL && ::quor::TraceGateOpen(siteLevel)) {              \
+            ::quor::TraceMessage siteMessage;                                                     \
+            siteMessage.Stream() << __VA_ARGS__;                                                  \
+            siteMessage.Write(siteLevel, __PRETTY_FUNCTION__, QUOR_FILE_STEM_(), __LINE__);       \
+        }                                                                                         \
+    } while (false)
+#define QUOR_FILE_STEM_()                                                        \
+    ([]() noexcept -> const char* {                                             \
+        static constexpr ::quor::FileStem<sizeof(__FILE__)> quorStem_(__FILE__); \
+        return quorStem_.m_text;                                                \
+    }())
+#define QUOR_JOIN_(left, right) QUOR_JOIN_EXPANDED_(left, right)
+#define QUOR_JOIN_EXPANDED_(left, right) left##right
+
+namespace quor {
+
+/// Whether a message of `level` would be written: the trace runs, and at `level` or a more verbose
+/// one. One relaxed read in place, no call; any thread, at any time of the process's life.
+inline bool TraceGateOpen(TraceLevel_e level) noexcept {
+    return TraceFile::m_gate.load(std::memory_order_relaxed) >= static_cast<int>(level);
+}
+
+/// The trace file's level, whether or not the trace runs.
+TraceLevel_e TraceActiveLevel();
+
+/// Writes one trace line without testing the gate: it appears while a file is open, also a paused
+/// one, and `level` is at most the trace's. `function` is not printed; `file` and `line` are where
+/// the trace file's options ask for them. Any thread; keeps errno; throws as TraceFile::Trace().
+void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
+                const std::string& text);
+
+/// Marks the entry into a scope and the exit from it in the trace, at level High: "==> " or "<== "
+/// and the function's text.
+///
+/// The gate is asked at either end, so a change of level in between leaves one without the other.
+/// The texts are not copied and must outlive the object. The exit lets no exception out.
+class TraceFnc {
+public:
+    TraceFnc(const char* function, const char* file, int line)
+        : m_function(function), m_file(file), m_line(line) {
+        if (TraceGateOpen(High)) {
+            WriteEntry();
+        }
+    }
+    TraceFnc(const TraceFnc&) = delete;
+    TraceFnc& operator=(const TraceFnc&) = delete;
+    virtual ~TraceFnc() {
+        if (TraceGateOpen(High)) {
+            WriteExit();
+        }
+    }
+
+private:
+    void WriteEntry() const;
+    void WriteExit() const noexcept;
+
+    const char* m_function;
+    const char* m_file;
+    int m_line;
+};
+
+/// The message of one trace site while it is built; made by QUOR_TRACE. Keeps errno.
+class TraceMessage {
+public:
+    TraceMessage();
+    TraceMessage(const TraceMessage&) = delete;
+    TraceMessage& operator=(const TraceMessage&) = delete;
+    ~TraceMessage();
+
+    std::ostream& Stream() { return m_stream; }
+    void Write(TraceLevel_e level, const char* function, const char* file, int line) const;
+
+private:
+    int m_errno;
+    std::ostringstream m_stream;
+};
+
+/// The base name of a source file without its extension, made by the compiler.
+template <std::size_t Size>
+struct FileStem {
+    explicit constexpr FileStem(const char (&path)[Size]) : m_text{} {
+        std::size_t begin = 0;
+        for (std::size_t index = 0; path[index] != '\0'; ++index) {
+            begin = path[index] == '/' ? index + 1 : begin;
+        }
+        std::size_t length = 0;
+        std::size_t end = 0;
+        for (; path[begin + length] != '\0'; ++length) {
+            m_text[length] = path[begin + length];
+            end = path[begin + length] == '.' && length > 0 ? length : end;
+        }
+        m_text[end > 0 ? end : length] = '\0';
+    }
+
+    char m_text[Size];
+};
+
+}  // namespace quor
+
+#endif
