@@ -39,3 +39,5 @@ need() {
 }
 
 packages_to_build="g++ cmake ninja-build libboost-dev libcli11-dev zlib1g-dev"
+packages_to_test="binutils clang-format libgtest-dev libgmock-dev rcs"
+packages_to_test_all="clang clang-tidy make"
