@@ -17,9 +17,8 @@ std::string Text(const Time& time) {
 
 // The left operand of arithmetic keeps its form.
 std::string Text(int form, const Time& value) {
-    Time time(form);
-    time -= time;
-    return Text(time + value);
+    const Time time(form);
+    return Text(time - time + value);
 }
 
 TEST(Time, NormalisesAndNeverGoesBelowZeroBySubtraction) {
