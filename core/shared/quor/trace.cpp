@@ -31,17 +31,13 @@ void TraceWrite(TraceLevel_e level, const char* function, const char* file, int 
     TraceFile::GetInstance().Trace(level, function, file, line, text);
 }
 
-void TraceFnc::WriteEntry() const {
-    const ErrnoKeeper keeper;
-    TraceWrite(High, m_function, m_file, m_line, std::string("==> ") + m_function);
-}
-
-void TraceFnc::WriteExit() const noexcept {
+// Sites stand in destructors and in the last handlers of threads, where an exception would end the
+// process: a line is not worth that.
+void TraceFnc::Write(const char* arrow) const noexcept {
     const ErrnoKeeper keeper;
     try {
-        TraceWrite(High, m_function, m_file, m_line, std::string("<== ") + m_function);
+        TraceWrite(High, m_function, m_file, m_line, std::string(arrow) + m_function);
     } catch (...) {
-        // A line is not worth the process: this runs while a scope unwinds.
     }
 }
 
@@ -55,8 +51,11 @@ TraceMessage::~TraceMessage() {
 }
 
 void TraceMessage::Write(TraceLevel_e level, const char* function, const char* file,
-                         int line) const {
-    TraceWrite(level, function, file, line, m_stream.str());
+                         int line) const noexcept {
+    try {
+        TraceWrite(level, function, file, line, m_stream.str());
+    } catch (...) {
+    }
 }
 
 }  // namespace quor

@@ -20,8 +20,8 @@
 ///
 /// `level` is evaluated once, the message only when the gate is open, before any lock is taken: it
 /// may itself trace. Numbers print without the digit grouping of the host's locale, and
-/// manipulators do not reach the next message. One statement. errno stays what it was. Throws what
-/// the message throws (nothing is written then) and what TraceWrite() throws.
+/// manipulators do not reach the next message. One statement. errno stays what it was. Throws only
+/// what the message throws, and writes nothing then; a line that memory is too short for is lost.
 #define QUOR_TRACE(level, ...) QUOR_TRACE_SITE_(__COUNTER__, level, __VA_ARGS__)
 
 /// Traces the entry of the enclosing scope here, and its exit, at level High.
@@ -71,26 +71,25 @@ void TraceWrite(TraceLevel_e level, const char* function, const char* file, int 
 /// and the function's text.
 ///
 /// The gate is asked at either end, so a change of level in between leaves one without the other.
-/// The texts are not copied and must outlive the object. The exit lets no exception out.
+/// The texts are not copied and must outlive the object. Throws nothing.
 class TraceFnc {
 public:
-    TraceFnc(const char* function, const char* file, int line)
+    TraceFnc(const char* function, const char* file, int line) noexcept
         : m_function(function), m_file(file), m_line(line) {
         if (TraceGateOpen(High)) {
-            WriteEntry();
+            Write("==> ");
         }
     }
     TraceFnc(const TraceFnc&) = delete;
     TraceFnc& operator=(const TraceFnc&) = delete;
     virtual ~TraceFnc() {
         if (TraceGateOpen(High)) {
-            WriteExit();
+            Write("<== ");
         }
     }
 
 private:
-    void WriteEntry() const;
-    void WriteExit() const noexcept;
+    void Write(const char* arrow) const noexcept;
 
     const char* m_function;
     const char* m_file;
@@ -106,7 +105,8 @@ public:
     ~TraceMessage();
 
     std::ostream& Stream() { return m_stream; }
-    void Write(TraceLevel_e level, const char* function, const char* file, int line) const;
+    void Write(TraceLevel_e level, const char* function, const char* file,
+               int line) const noexcept;
 
 private:
     int m_errno;
