@@ -12,10 +12,6 @@
 #include <iostream>
 #include <vector>
 
-#ifndef QUOR_ASSERT_DIRECTORY
-#define QUOR_ASSERT_DIRECTORY "/var/opt/zelvar/log"
-#endif
-
 namespace quor {
 namespace {
 

@@ -5,9 +5,9 @@
 
 /// Ends the process through LoggedAssert() when `condition`, evaluated once, is false. An
 /// expression; active in every build.
-#define QUOR_ASSERT(...)                                                                       \
-    ((__VA_ARGS__) ? static_cast<void>(0)                                                      \
-                   : ::quor::LoggedAssert(QUOR_FILE_STEM_(), __LINE__, __PRETTY_FUNCTION__,    \
+#define QUOR_ASSERT(...)                                                                    \
+    ((__VA_ARGS__) ? static_cast<void>(0)                                                   \
+                   : ::quor::LoggedAssert(QUOR_FILE_STEM_(), __LINE__, __PRETTY_FUNCTION__, \
                                           "Assertion condition: " #__VA_ARGS__))
 
 namespace quor {

@@ -68,7 +68,8 @@ private:
 
     SignalHandler& m_handler;
     std::thread m_thread;
-    std::map<int, Disposition> m_prevHandlers;  // by signal number; not changed once the thread runs
+    std::map<int, Disposition>
+        m_prevHandlers;  // by signal number; not changed once the thread runs
 };
 
 }  // namespace quor

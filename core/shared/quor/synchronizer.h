@@ -42,7 +42,6 @@ public:
     unsigned int Timeout();
 
 private:
-
     std::mutex m_mutex;
     std::condition_variable m_condition;
     unsigned int m_counter;     // guarded by m_mutex

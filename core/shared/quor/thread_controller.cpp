@@ -182,15 +182,15 @@ bool ThreadController::SetState(State_e state) {
                 return false;
             }
             if (m_state != eStopped) {
-                throw Exception(
-                    m_name + " could not be started since it is not in eStopped state.", true);
+                throw Exception(m_name + " could not be started since it is not in eStopped state.",
+                                true);
             }
             break;
         case eRunning:
             if (m_state != eStarting) {
                 throw Exception(
-                    m_name + " could be started only from eStarting state. Current state: " +
-                        current,
+                    m_name +
+                        " could be started only from eStarting state. Current state: " + current,
                     true);
             }
             break;
@@ -218,8 +218,9 @@ bool ThreadController::SetState(State_e state) {
 
 void ThreadController::StartCancel() {
     try {
-        std::thread([name = m_name, cancel = m_cancelLoopFnc] { RunGuarded(name, cancel); })
-            .detach();
+        std::thread([name = m_name, cancel = m_cancelLoopFnc] {
+            RunGuarded(name, cancel);
+        }).detach();
     } catch (const std::exception& e) {
         // The destructor has nobody to tell and must not give up: it tries again after a period.
         if (!m_destroying) {

@@ -106,7 +106,7 @@ private:
     bool WaitOnce(std::unique_lock<std::mutex>& lock);
     void RunAside(void (*operation)(ThreadController&));
 
-    bool m_destroying;           // guarded by m_mutex
+    bool m_destroying;            // guarded by m_mutex
     unsigned int m_asideThreads;  // threads of asynchronous operations; guarded by m_mutex
     std::condition_variable m_asideDone;
 };

@@ -42,8 +42,8 @@ public:
     void TerminateAll();
 
 protected:
-    /// Makes the worker of that name with new, a distinct one at every call, or gives null. Runs with
-    /// the pool's mutex held: it must not call this pool.
+    /// Makes the worker of that name with new, a distinct one at every call, or gives null. Runs
+    /// with the pool's mutex held: it must not call this pool.
     virtual WorkerThread* CreateWorker(const std::string& name) = 0;
 
 private:
@@ -58,7 +58,8 @@ private:
 
     std::map<std::string, WorkerThread*> m_workers;  // guarded by m_mutex; null: deleted
     std::mutex m_mutex;
-    std::set<std::string> m_terminating;  // names that some thread is terminating; guarded by m_mutex
+    std::set<std::string>
+        m_terminating;  // names that some thread is terminating; guarded by m_mutex
 };
 
 }  // namespace quor

@@ -39,8 +39,8 @@ Clock::time_point Deadline(std::uint64_t seconds, std::uint64_t nanoseconds) {
         nanoseconds > limit - seconds * c_nanosecondsPerSecond) {
         return LastMoment();
     }
-    return now + std::chrono::duration_cast<Clock::duration>(std::chrono::nanoseconds(
-                     seconds * c_nanosecondsPerSecond + nanoseconds));
+    return now + std::chrono::duration_cast<Clock::duration>(
+                     std::chrono::nanoseconds(seconds * c_nanosecondsPerSecond + nanoseconds));
 }
 
 }  // namespace
