@@ -20,7 +20,8 @@ constexpr const char* c_file = "exception";
 
 void WriteThrown(const char* text, int line) {
     if (TraceGateOpen(Low)) {
-        TraceWrite(Low, c_function, c_file, line, std::string("** Thrown quor::Exception: ") + text);
+        TraceWrite(Low, c_function, c_file, line,
+                   std::string("** Thrown quor::Exception: ") + text);
     }
 }
 

@@ -60,8 +60,7 @@ public:
         std::vector<std::mutex*> ordered(mutexes);
         std::sort(ordered.begin(), ordered.end(), std::less<std::mutex*>());
         if (std::adjacent_find(ordered.begin(), ordered.end()) != ordered.end()) {
-            throw std::system_error(
-                std::make_error_code(std::errc::resource_deadlock_would_occur));
+            throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
         }
         LockAll(ordered);
     }

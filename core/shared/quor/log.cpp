@@ -107,9 +107,9 @@ bool Log::WriteToFile(const std::string& message) {
 
 std::string Log::FileHeader() const {
     const std::string rule = std::string(79, '-') + "\n";
-    return rule + "* *****Logging started *****\n\n" +                  //
-           "* Version       : " + VerInfo::VersionString() + "\n" +      //
-           "* Start time    : " + Time(c_formatFull).Text() + "\n" +     //
+    return rule + "* *****Logging started *****\n\n" +                //
+           "* Version       : " + VerInfo::VersionString() + "\n" +   //
+           "* Start time    : " + Time(c_formatFull).Text() + "\n" +  //
            "* Process name  : " + GetProgName() + "\n" + rule + "\n";
 }
 

@@ -15,14 +15,15 @@ namespace quor {
 ///
 ///     [2020-01-31 08:00:00] Critical: disk full
 ///
-/// Every message opens the file, appends its line and closes it again, so the file may be renamed or
-/// removed at any time and comes back with its header. While the trace runs, every message is
+/// Every message opens the file, appends its line and closes it again, so the file may be renamed
+/// or removed at any time and comes back with its header. While the trace runs, every message is
 /// copied there at level Low. When there is no file, or it cannot be opened, and the trace does not
 /// run, the message goes to standard output, without a time and not flushed.
 ///
 /// Messages may be logged from any thread: one mutex holds over the whole message, and the trace
 /// file's is taken inside it. I/O errors are not reported. Throws std::bad_alloc, and
-/// std::system_error when the mutex cannot be locked. The one instance lives as long as the process.
+/// std::system_error when the mutex cannot be locked. The one instance lives as long as the
+/// process.
 class Log : private LogFile {
 public:
     /// True from the first GetInstance() until the static objects are destroyed.

@@ -159,8 +159,7 @@ bool Time::IsEpoch() const {
 }
 
 Time::operator std::chrono::duration<double>() const {
-    return std::chrono::duration<double>(As32Bits(m_time.tv_sec) +
-                                         As32Bits(m_time.tv_nsec) / 1e9);
+    return std::chrono::duration<double>(As32Bits(m_time.tv_sec) + As32Bits(m_time.tv_nsec) / 1e9);
 }
 
 void Time::UpdateToCurrent() const {

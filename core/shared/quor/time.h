@@ -35,7 +35,8 @@ public:
     /// A value in form 3. `nanoseconds` is read as a signed `long` and carried into the seconds,
     /// so it may exceed a second or be negative.
     Time(unsigned long seconds, unsigned long nanoseconds);
-    /// A value of whole seconds in form 3. Mind the signed overload below: `Time(5u)`, not `Time(5)`.
+    /// A value of whole seconds in form 3. Mind the signed overload below: `Time(5u)`, not
+    /// `Time(5)`.
     explicit Time(unsigned int seconds);
     /// The current real time, in the form `format`.
     explicit Time(int format);
@@ -80,7 +81,8 @@ private:
     mutable timespec m_time;   // tv_nsec in 0 .. 999,999,999 after every operation
     mutable bool m_textStale;  // m_text is to be rebuilt
     mutable char m_text[30];
-    mutable unsigned char m_textZone;  // UTC offset that m_text was built with, in minutes, low 8 bits
+    mutable unsigned char
+        m_textZone;  // UTC offset that m_text was built with, in minutes, low 8 bits
 };
 
 Time operator+(Time left, const Time& right);

@@ -25,27 +25,27 @@
 #define QUOR_TRACE(level, ...) QUOR_TRACE_SITE_(__COUNTER__, level, __VA_ARGS__)
 
 /// Traces the entry of the enclosing scope here, and its exit, at level High.
-#define QUOR_TRACE_FNC() \
+#define QUOR_TRACE_FNC()                                                            \
     const ::quor::TraceFnc QUOR_JOIN_(quorTraceFnc_, __LINE__)(__PRETTY_FUNCTION__, \
                                                                QUOR_FILE_STEM_(), __LINE__)
 
 // The names end in a number of their own, since a message may hold a lambda that traces.
-#define QUOR_TRACE_SITE_(number, level, ...)                                                      \
-    QUOR_TRACE_BODY_(QUOR_JOIN_(quorLevel_, number), QUOR_JOIN_(quorMessage_, number), level,     \
+#define QUOR_TRACE_SITE_(number, level, ...)                                                  \
+    QUOR_TRACE_BODY_(QUOR_JOIN_(quorLevel_, number), QUOR_JOIN_(quorMessage_, number), level, \
                      __VA_ARGS__)
-#define QUOR_TRACE_BODY_(siteLevel, siteMessage, level, ...)                                      \
-    do {                                                                                          \
-        const ::quor::TraceLevel_e siteLevel = (level);                                           \
-        if (siteLevel <= QUOR_TRACE_MAX_LEVEL && ::quor::TraceGateOpen(siteLevel)) {              \
-            ::quor::TraceMessage siteMessage;                                                     \
-            siteMessage.Stream() << __VA_ARGS__;                                                  \
-            siteMessage.Write(siteLevel, __PRETTY_FUNCTION__, QUOR_FILE_STEM_(), __LINE__);       \
-        }                                                                                         \
+#define QUOR_TRACE_BODY_(siteLevel, siteMessage, level, ...)                                \
+    do {                                                                                    \
+        const ::quor::TraceLevel_e siteLevel = (level);                                     \
+        if (siteLevel <= QUOR_TRACE_MAX_LEVEL && ::quor::TraceGateOpen(siteLevel)) {        \
+            ::quor::TraceMessage siteMessage;                                               \
+            siteMessage.Stream() << __VA_ARGS__;                                            \
+            siteMessage.Write(siteLevel, __PRETTY_FUNCTION__, QUOR_FILE_STEM_(), __LINE__); \
+        }                                                                                   \
     } while (false)
 #define QUOR_FILE_STEM_()                                                        \
-    ([]() noexcept -> const char* {                                             \
+    ([]() noexcept -> const char* {                                              \
         static constexpr ::quor::FileStem<sizeof(__FILE__)> quorStem_(__FILE__); \
-        return quorStem_.m_text;                                                \
+        return quorStem_.m_text;                                                 \
     }())
 #define QUOR_JOIN_(left, right) QUOR_JOIN_EXPANDED_(left, right)
 #define QUOR_JOIN_EXPANDED_(left, right) left##right
@@ -105,8 +105,7 @@ public:
     ~TraceMessage();
 
     std::ostream& Stream() { return m_stream; }
-    void Write(TraceLevel_e level, const char* function, const char* file,
-               int line) const noexcept;
+    void Write(TraceLevel_e level, const char* function, const char* file, int line) const noexcept;
 
 private:
     int m_errno;

@@ -229,11 +229,11 @@ std::string TraceFile::GeneratedNameLocked() const {
 }
 
 std::string TraceFile::OpeningBlock(const char* event) const {
-    return Rule() + "* ***** Trace " + event + " *****\n\n" +                //
-           "* Version       : " + VerInfo::VersionString() + "\n" +           //
-           "* Start time    : " + Time(c_formatFull).Text() + "\n" +          //
-           "* Process name  : " + GetProgName() + "\n" +                      //
-           "* Process id    : " + std::to_string(GetPid()) + "\n" +           //
+    return Rule() + "* ***** Trace " + event + " *****\n\n" +         //
+           "* Version       : " + VerInfo::VersionString() + "\n" +   //
+           "* Start time    : " + Time(c_formatFull).Text() + "\n" +  //
+           "* Process name  : " + GetProgName() + "\n" +              //
+           "* Process id    : " + std::to_string(GetPid()) + "\n" +   //
            Rule() + "\n";
 }
 

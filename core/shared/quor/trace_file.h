@@ -115,9 +115,9 @@ private:
 
     std::atomic<TraceLevel_e> m_level;
     std::atomic<bool> m_active;
-    Time m_lineTime;                // guarded by m_mutex
-    std::string m_traceFileName;    // guarded by m_mutex
-    std::string m_traceDirectory;   // guarded by m_mutex
+    Time m_lineTime;               // guarded by m_mutex
+    std::string m_traceFileName;   // guarded by m_mutex
+    std::string m_traceDirectory;  // guarded by m_mutex
     std::atomic<bool> m_printFile;
     std::atomic<bool> m_printLine;
     std::atomic<bool> m_dumpStack;

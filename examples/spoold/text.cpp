@@ -1,0 +1,28 @@
+#include "text.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace spoold {
+
+std::string Quoted(const std::string& text) {
+    constexpr const char* digits = "0123456789abcdef";
+    std::string quoted = "'";
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte >= ' ' && byte <= '~' && byte != '\\') {
+            quoted += character;
+        } else {
+            quoted += "\\x";
+            quoted += digits[byte / 16];
+            quoted += digits[byte % 16];
+        }
+    }
+    return quoted + "'";
+}
+
+std::string SystemError(const std::string& what) {
+    return what + ": " + std::generic_category().message(errno);
+}
+
+}  // namespace spoold

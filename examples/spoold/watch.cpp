@@ -1,0 +1,59 @@
+#include "watch.h"
+
+#include <poll.h>
+#include <quor/exception.h>
+#include <quor/trace.h>
+#include <sys/inotify.h>
+#include <sys/signalfd.h>
+
+#include <cerrno>
+#include <csignal>
+
+#include "text.h"
+
+namespace spoold {
+namespace {
+
+// Links, and drops made on another machine, raise no event.
+constexpr int c_rescanMs = 5000;
+// Not IN_CREATE: it would wake us for a file that is just being written.
+constexpr uint32_t c_dropEvents = IN_MOVED_TO | IN_CLOSE_WRITE | IN_ONLYDIR;
+
+int OpenStopSignals() {
+    sigset_t stopSignals;
+    sigemptyset(&stopSignals);
+    sigaddset(&stopSignals, SIGINT);
+    sigaddset(&stopSignals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+    return signalfd(-1, &stopSignals, SFD_CLOEXEC);
+}
+
+}  // namespace
+
+Watch::Watch(const std::string& folder)
+    : m_signals(OpenStopSignals()), m_drops(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+    if (!m_signals.IsOpen() || !m_drops.IsOpen() ||
+        inotify_add_watch(m_drops.Fd(), folder.c_str(), c_dropEvents) == -1) {
+        throw quor::Exception(SystemError("Cannot watch " + Quoted(folder)), true);
+    }
+}
+
+void Watch::Wait() const {
+    QUOR_TRACE(quor::Low, "Waiting");
+    pollfd sources[] = {{m_signals.Fd(), POLLIN, 0}, {m_drops.Fd(), POLLIN, 0}};
+    if (poll(sources, 2, c_rescanMs) < 0 && errno != EINTR) {
+        throw quor::Exception(SystemError("Cannot wait"), true);
+    }
+    // What happened is of no interest: the next scan looks at everything.
+    char events[4096];
+    while (read(m_drops.Fd(), events, sizeof(events)) > 0) {
+    }
+}
+
+// The signal stays pending, so the answer stays the same.
+bool Watch::StopRequested() const {
+    pollfd source = {m_signals.Fd(), POLLIN, 0};
+    return poll(&source, 1, 0) > 0;
+}
+
+}  // namespace spoold

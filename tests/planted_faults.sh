@@ -1,0 +1,85 @@
+#!/bin/bash
+# planted_faults.sh LIBRARY_FOLDER VERSION COMPILER PROGRAM: each check of scripts/ fails, for the
+# right reason, on an input with a fault planted in it.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+library_folder=$1 version=$2 compiler=$3 program=$4
+library=$library_folder/libzelvarquor.so.$version
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed=0
+
+fails_with() { # fails_with TEXT COMMAND...
+    local expected=$1 output
+    shift
+    if output=$("$@" 2>&1); then
+        echo "not noticed: $*"
+        failed=1
+    elif ! grep -qF -- "$expected" <<<"$output"; then
+        printf 'expected "%s" from: %s\n%s\n' "$expected" "$*" "$output"
+        failed=1
+    else
+        echo "noticed: $expected"
+    fi
+}
+
+# Layers: FILE INCLUDE EXPECTED
+while IFS='|' read -r file include expected; do
+    rm -rf "$work/quor"
+    cp -r core/shared/quor "$work/quor"
+    echo "#include $include" >>"$work/quor/$file"
+    fails_with "$expected" scripts/check-layers "$work/quor"
+done <<'ROWS'
+process.h|<quor/log.h>|process (foundations) may not include log (reporting)
+trace.cpp|"quor/exception.h"|trace (trace) may not include exception (exception)
+daemon.cpp|<quor/log_file.h>|daemon may not include log_file
+log.cpp|"time.h"|write <quor/NAME.h>
+log.cpp|<quor/novelty.h>|quor/novelty.h, which has no layer
+novelty.cpp|<quor/time.h>|module novelty has no layer
+ROWS
+
+# Exports: one symbol too many, one too few
+sed 1d tests/exported_symbols.txt >"$work/list"
+fails_with "+$(head -n 1 tests/exported_symbols.txt)" scripts/check-exports "$library" "$work/list"
+{ cat tests/exported_symbols.txt; echo 'quor::~'; } >"$work/list"
+fails_with '-quor::~' scripts/check-exports "$library" "$work/list"
+
+# The file: names, then the strings in it
+mkdir "$work/lib"
+fails_with 'is not a file of its own' scripts/check-library "$work/lib" "$version"
+cp "$library" "$work/lib/"
+fails_with 'does not link to' scripts/check-library "$work/lib" "$version"
+ln -s "libzelvarquor.so.$version" "$work/lib/libzelvarquor.so"
+plant_ident() { # same length, so that offsets stay
+    objcopy --dump-section .rodata="$work/rodata" "$library" "$work/unused"
+    LC_ALL=C sed "$1" "$work/rodata" >"$work/planted"
+    objcopy --update-section .rodata="$work/planted" "$library" "$work/lib/libzelvarquor.so.$version"
+}
+plant_ident 's/KPXVersion/KPXVersiom/'
+fails_with 'read-only data starts with' scripts/check-library "$work/lib" "$version"
+plant_ident 's/KPXBuildUser/KPXBuildHost/'
+fails_with 'string 5 is: $KPXBuildHost' scripts/check-library "$work/lib" "$version"
+plant_ident 's/\$KPXBuildTime: /$KPXBuildTime; /'
+fails_with 'string 4 is: $KPXBuildTime;' scripts/check-library "$work/lib" "$version"
+
+# The gate: a call before the branch; a way out that never asks
+cat >"$work/gate.cpp" <<'SOURCE'
+bool Gate();
+void Write();
+void AsksByCall() { if (Gate()) Write(); }
+int NeverAsks(int files) { return files; }
+SOURCE
+"$compiler" -O2 -c "$work/gate.cpp" -o "$work/gate.o"
+for function in AsksByCall NeverAsks; do
+    fails_with "$function cannot return past a closed gate without a call" \
+        scripts/check-gate "$work/gate.o" "$function"
+done
+fails_with 'no function Missing' scripts/check-gate "$work/gate.o" Missing
+
+# The README: another program, another trace
+for change in 's/files waiting: " <</files left: " <</' 's/files waiting: 2/files waiting: 3/'; do
+    sed "$change" README.md >"$work/README.md"
+    fails_with '+++ README.md' scripts/check-readme "$program" "$work/README.md"
+done
+
+exit $failed
