@@ -5,7 +5,6 @@
 #include <quor/worker_thread.h>
 
 #include <memory>
-#include <vector>
 
 namespace quor {
 
@@ -80,26 +79,30 @@ void WorkerPool::Terminate(const std::string& name) {
     EndTermination(name);
 }
 
-std::vector<std::string> WorkerPool::Names() {
+const std::string* WorkerPool::NextName(const std::string* name) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::vector<std::string> names;
-    for (const auto& entry : m_workers) {
-        names.push_back(entry.first);
-    }
-    return names;
+    const auto next = name != nullptr ? m_workers.upper_bound(*name) : m_workers.begin();
+    return next != m_workers.end() ? &next->first : nullptr;
 }
 
+std::size_t WorkerPool::CountNames() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_workers.size();
+}
+
+// Entries are never erased: a name stays where it is. Names that the host's code adds on the way
+// take part.
 void WorkerPool::TerminateAll() {
     const TraceFnc fnc("void quor::WorkerPool::TerminateAll()", "worker_pool", __LINE__);
-    for (const std::string& name : Names()) {
-        Terminate(name);
+    for (const auto* name = NextName(nullptr); name != nullptr; name = NextName(name)) {
+        Terminate(*name);
     }
-    const std::vector<std::string> names = Names();
-    QUOR_TRACE(Detail, "Size of worker map: " << names.size());
-    // What the host's destructors brought to life meanwhile.
-    for (const std::string& name : names) {
-        delete BeginTermination(name);
-        EndTermination(name);
+    QUOR_TRACE(Detail, "Size of worker map: " << CountNames());
+    for (const auto* name = NextName(nullptr); name != nullptr; name = NextName(name)) {
+        if (WorkerThread* const worker = BeginTermination(*name)) {
+            delete worker;
+            EndTermination(*name);
+        }
     }
     QUOR_TRACE(Low, "Terminated worker threads.");
 }

@@ -1,11 +1,11 @@
 #ifndef QUOR_WORKER_POOL_H
 #define QUOR_WORKER_POOL_H
 
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace quor {
 
@@ -51,15 +51,16 @@ private:
 
     /// Clears the entry of a worker that is being destroyed.
     void Remove(WorkerThread* worker);
-    std::vector<std::string> Names();
+    /// The name that follows in the table, the first one after null; null at the end.
+    const std::string* NextName(const std::string* name);
+    std::size_t CountNames();
     /// The worker of that name, for the caller alone to terminate until EndTermination(); or null.
     WorkerThread* BeginTermination(const std::string& name);
     void EndTermination(const std::string& name);
 
     std::map<std::string, WorkerThread*> m_workers;  // guarded by m_mutex; null: deleted
     std::mutex m_mutex;
-    std::set<std::string>
-        m_terminating;  // names that some thread is terminating; guarded by m_mutex
+    std::set<std::string> m_terminating;  // by some thread; guarded by m_mutex
 };
 
 }  // namespace quor
