@@ -3,11 +3,11 @@
 #include <quor/exception.h>
 #include <quor/trace.h>
 
-#include <cxxabi.h>
 #include <signal.h>
 
 #include <atomic>
 #include <cerrno>
+#include <exception>
 #include <functional>
 #include <string>
 
@@ -108,12 +108,12 @@ void SignalHandlerThread::operator()() {
     const TraceFnc fnc("void quor::SignalHandlerThread::operator()()", c_file, __LINE__);
     try {
         HandleSignals();
-    } catch (const abi::__forced_unwind&) {
-        // pthread_exit() or cancellation: ends this thread only if it gets through.
-        throw;
     } catch (const std::exception& e) {
         QUOR_TRACE(Low, "WARNING: Ignored std::exception: " << e.what());
     } catch (...) {
+        if (std::current_exception() == nullptr) {
+            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
+        }
         QUOR_TRACE(Low, "WARNING: Ignored unknown exception.");
     }
 }

@@ -3,9 +3,8 @@
 #include <quor/exception.h>
 #include <quor/trace.h>
 
-#include <cxxabi.h>
-
 #include <chrono>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -26,12 +25,12 @@ template <typename Function>
 void RunGuarded(const std::string& name, const Function& function) {
     try {
         function();
-    } catch (const abi::__forced_unwind&) {
-        // pthread_exit() or cancellation: ends this thread only if it gets through.
-        throw;
     } catch (const std::exception& e) {
         WarnOfException(name, e);
     } catch (...) {
+        if (std::current_exception() == nullptr) {
+            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
+        }
         QUOR_TRACE(Low, "WARNING: WorkerThread " << name << ". Unknown exception.");
     }
 }

@@ -4,12 +4,11 @@
 #include <quor/trace.h>
 #include <quor/worker_pool.h>
 
-#include <cxxabi.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <ctime>
+#include <exception>
 #include <functional>
 #include <limits>
 
@@ -106,12 +105,12 @@ void WorkerThread::operator()() {
     try {
         Main();
         return;
-    } catch (const abi::__forced_unwind&) {
-        // pthread_exit() or cancellation: ends this thread only if it gets through.
-        throw;
     } catch (const std::exception& e) {
         QUOR_TRACE(Low, "WARNING: WorkerThread " << m_name << ". Error: " << e.what());
     } catch (...) {
+        if (std::current_exception() == nullptr) {
+            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
+        }
         QUOR_TRACE(Low, "WARNING: WorkerThread " << m_name << ". Unknown exception.");
     }
     QUOR_TRACE(Low, "Worker thread: " << m_name << ": STOPPED");
