@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <future>
-#include <thread>
 
 namespace quor_test {
 namespace {
@@ -52,11 +50,6 @@ TEST(Synchronizer, WaitsAnIterationAfterTheOtherAndLooksAtTheLimitFirst) {
     }
 }
 
-std::string Numbered(std::string lines, char thread) {
-    std::replace(lines.begin(), lines.end(), '#', thread);
-    return lines;
-}
-
 // Events: + Increment, - Decrement, 0 Reset(0), 1 Reset(1), c Cancel, t the time is up.
 void Do(char event, Synchronizer& barrier, FakeClock& clock) {
     switch (event) {
@@ -79,36 +72,32 @@ TEST(Synchronizer, OnlyDecrementToZeroAndCancelWakeAllWaiters) {
         unsigned int iterations;
         bool result;
         std::string waiter;  // what each of two traces after "iteration:0"
-        std::string others;
+        std::string caller;
     };
     for (const Row& row :
-         {Row{"-", 1, true, "", "2 Decrement: before1\n2 Decrement: after0\n"},
-          Row{"0-", 1, true, "", "2 Decrement: before0\n2 Decrement: after0\n"},
+         {Row{"-", 1, true, "", "Decrement: before1\nDecrement: after0\n"},
+          Row{"0-", 1, true, "", "Decrement: before0\nDecrement: after0\n"},
           Row{"+--", 1, true, "",
-              "2 Increment: before1\n2 Increment: after2\n2 Decrement: before2\n"
-              "2 Decrement: after1\n2 Decrement: before1\n2 Decrement: after0\n"},
-          Row{"1c", 1, false, "", ""}, Row{"0tc", 2, true, "# waiting finished:0\n", ""},
-          Row{"0tc", 1, false, "# waiting finished:0\n# waiting failed:\n", ""}}) {
+              "Increment: before1\nIncrement: after2\nDecrement: before2\n"
+              "Decrement: after1\nDecrement: before1\nDecrement: after0\n"},
+          Row{"1c", 1, false, "", ""}, Row{"0tc", 2, true, "waiting finished:0\n", ""},
+          Row{"0tc", 1, false, "waiting finished:0\nwaiting failed:\n", ""}}) {
         const ThreadTap trace;
         FakeClock clock(time(nullptr) + 86'400);  // no wait ends by itself
         Synchronizer barrier(1, row.iterations, 5'000);
         const auto wait = [&barrier] { return barrier.Wait(); };
         std::future<bool> first = std::async(std::launch::async, wait);
-        trace.WaitFor("iteration:0");
         std::future<bool> second = std::async(std::launch::async, wait);
-        std::string waiter = "# waiting for condition: iteration:0\n";
-        while (ThreadTap::Lines("synchronizer") != Numbered(waiter, '0') + Numbered(waiter, '1')) {
-            std::this_thread::yield();
-        }
+        const std::string asleep = "-\nwaiting for condition: iteration:0\n";
+        EXPECT_EQ(ThreadTap::ByThread("synchronizer", asleep + asleep), asleep + asleep);
         barrier.Reset(1);  // free only while both sleep
         for (const char event : row.events) {
             Do(event, barrier, clock);
         }
         EXPECT_EQ(std::make_pair(first.get(), second.get()),
                   std::make_pair(row.result, row.result));
-        waiter += row.waiter;
-        EXPECT_EQ(ThreadTap::Lines("synchronizer", true),
-                  Numbered(waiter, '0') + Numbered(waiter, '1') + row.others);
+        const std::string all = row.caller + asleep + row.waiter + asleep + row.waiter;
+        EXPECT_EQ(ThreadTap::ByThread("synchronizer", all), all);
     }
 }
 

@@ -1,44 +1,78 @@
 #include "threads.h"
 
+#include <quor/process.h>
+
 #include <dlfcn.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <map>
-#include <numeric>
 #include <sstream>
-#include <stdexcept>
+#include <thread>
 
 namespace quor_test {
 
 std::atomic<const char*> g_threadScript{""};
+
+namespace {
+
+using Line = std::pair<std::size_t, std::string>;  // the thread's number, the text
+
+std::vector<Line> LinesOfThreads(const std::string& module) {
+    std::istringstream trace(ReadFile("trace.log"));
+    std::map<long, std::size_t> numbers = {{quor::GetTid(), 0}};
+    std::vector<Line> lines;
+    for (std::string line; std::getline(trace, line);) {
+        if (line[0] == '[' && line.find(": ** in: ") == std::string::npos) {
+            const long thread = std::stol(line.substr(1));
+            const std::size_t number = numbers.emplace(thread, numbers.size()).first->second;
+            line.erase(0, line.find("] ") + 2);
+            line.erase(0, line.rfind(module + ": ", 0) == 0 ? module.size() + 2 : 0);
+            lines.emplace_back(number, line + "\n");
+        }
+    }
+    return lines;
+}
+
+}  // namespace
 
 ThreadTap::ThreadTap(quor::TraceLevel_e level) : TraceTap(level) {
     quor::TraceFile::GetInstance().SetPrintFile(true);
     quor::TraceFile::GetInstance().SetPrintLine(false);
 }
 
-std::string ThreadTap::Lines(const std::string& module, bool byThread) {
-    std::istringstream trace(ReadFile("trace.log"));
-    std::map<std::string, std::size_t> threads;
-    std::vector<std::string> groups(9);
-    for (std::string line; std::getline(trace, line);) {
-        if (line[0] != '[' || line.find(": ** in: ") != std::string::npos) {
-            continue;
-        }
-        const auto thread =
-            threads.emplace(line.substr(0, line.find(':')), threads.size()).first->second;
-        const std::size_t file = line.find("] ") + 2;
-        const bool ofModule = line.compare(file, module.size() + 2, module + ": ") == 0;
-        groups.at(byThread ? thread : 0) +=
-            std::to_string(thread) + " " + line.substr(ofModule ? file + module.size() + 2 : file) +
-            "\n";
+std::string ThreadTap::Lines(const std::string& module) {
+    std::string text;
+    for (const auto& [thread, line] : LinesOfThreads(module)) {
+        text += std::to_string(thread) + " " + line;
     }
-    return std::accumulate(groups.begin(), groups.end(), std::string());
+    return text;
+}
+
+std::string ThreadTap::ByThread(const std::string& module, const std::string& expected) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    for (;;) {
+        std::vector<std::string> threads(1);
+        for (const auto& [thread, line] : LinesOfThreads(module)) {
+            threads.resize(std::max(threads.size(), thread + 1), "-\n");
+            threads[thread] += line;
+        }
+        std::sort(threads.begin() + 1, threads.end());
+        std::string text;
+        for (const std::string& lines : threads) {
+            text += lines;
+        }
+        if (text == expected || std::chrono::steady_clock::now() > end) {
+            return text;
+        }
+        std::this_thread::yield();
+    }
 }
 
 std::string Scope(const std::string& function, const std::string& inner) {
-    return "0 ==> " + function + "\n" + inner + "0 <== " + function + "\n";
+    return "==> " + function + "\n" + inner + "<== " + function + "\n";
 }
 
 const std::vector<WayOut> c_waysOut = {
@@ -56,7 +90,7 @@ void Flag::Raise() {
 
 void Flag::Await() {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_condition.wait(lock, [this] { return m_raised; });
+    m_condition.wait(lock, [this] { return std::exchange(m_raised, false); });
 }
 
 }  // namespace quor_test

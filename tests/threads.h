@@ -22,13 +22,16 @@ extern std::atomic<const char*> g_threadScript;
 class ThreadTap : public TraceTap {
 public:
     explicit ThreadTap(quor::TraceLevel_e level = quor::Low);
-    /// The lines since the start: the thread's number in the order of first lines, the file unless
-    /// it is `module`, the text. `byThread` puts the lines of each thread together. The places of
-    /// throws are left out.
-    static std::string Lines(const std::string& module, bool byThread = false);
+    /// The lines since the start: the thread's number, 0 for the caller, the others in the order of
+    /// their first lines; the file unless it is `module`; the text. Without the places of throws.
+    static std::string Lines(const std::string& module);
+    /// The lines thread by thread, without numbers: the caller's, then, each after a line "-",
+    /// those of others, in the order of their texts. After a short time, once they are `expected`;
+    /// if not, after 10 s, as they are.
+    static std::string ByThread(const std::string& module, const std::string& expected);
 };
 
-/// What a TraceFnc of thread 0 writes around `inner`.
+/// What a TraceFnc writes around `inner`.
 std::string Scope(const std::string& function, const std::string& inner = "");
 
 /// Ways for host code to end its thread, at the next cancellation point at the latest, and the ends
@@ -40,7 +43,7 @@ struct WayOut {
 };
 extern const std::vector<WayOut> c_waysOut;
 
-/// An event that stays raised.
+/// An event that stays raised until it has woken one thread.
 class Flag {
 public:
     void Raise();

@@ -26,17 +26,15 @@ TEST(WorkerThread, TracesItsLifeAndEndsOnlyItsThreadHoweverMainEnds) {
         const std::string warning =
             way.workerWarning.empty()
                 ? ""
-                : "1 WARNING: WorkerThread w" + way.workerWarning + "1 Worker thread: w: STOPPED\n";
-        EXPECT_EQ(
-            ThreadTap::Lines("worker_thread", true),
+                : "WARNING: WorkerThread w" + way.workerWarning + "Worker thread: w: STOPPED\n";
+        const std::string life =
             Scope("quor::WorkerThread::WorkerThread(const std::string&)",
-                  "0 Worker thread: w: CREATED\n") +
-                Scope("void quor::WorkerThread::Start()", "0 Worker thread: w: START\n") +
-                Scope("void quor::WorkerThread::Stop()", "0 Worker thread: w: REQUEST TO STOP\n") +
-                Scope("virtual quor::WorkerThread::~WorkerThread()",
-                      "0 Worker thread: w: DESTROYED\n") +
-                "1 ==> void quor::WorkerThread::operator()()\n" + warning +
-                "1 <== void quor::WorkerThread::operator()()\n");
+                  "Worker thread: w: CREATED\n") +
+            Scope("void quor::WorkerThread::Start()", "Worker thread: w: START\n") +
+            Scope("void quor::WorkerThread::Stop()", "Worker thread: w: REQUEST TO STOP\n") +
+            Scope("virtual quor::WorkerThread::~WorkerThread()", "Worker thread: w: DESTROYED\n") +
+            "-\n" + Scope("void quor::WorkerThread::operator()()", warning);
+        EXPECT_EQ(ThreadTap::ByThread("worker_thread", life), life);
     }
 }
 
