@@ -1,0 +1,157 @@
+#include <quor/signal_handler.h>
+
+#include <quor/exception.h>
+#include <quor/trace.h>
+
+#include <signal.h>
+
+#include <atomic>
+#include <cerrno>
+#include <exception>
+#include <functional>
+#include <string>
+
+sem_t g_semSignal;
+
+namespace quor {
+namespace {
+
+constexpr const char* c_file = "signal_handler";
+constexpr int cStopSignal = 4077;  // outside the range of signal numbers
+constexpr int c_none = 0;
+constexpr int c_defaultSignals[] = {SIGHUP, SIGINT, SIGTERM, SIGQUIT, c_none};
+
+// The signal that arrived last and has not been taken yet. The wish to stop has a slot of its own,
+// so that neither can overwrite the other.
+std::atomic<int> g_signalNumber{c_none};
+std::atomic<int> g_stopNumber{c_none};
+std::atomic<SignalHandlerThread*> g_signalThread{nullptr};
+
+// Signal context: only a lock-free store and sem_post; nothing here may allocate, lock or trace.
+static_assert(std::atomic<int>::is_always_lock_free);
+extern "C" void SignalHandlerFnc(int number) {
+    const int savedErrno = errno;
+    (number == cStopSignal ? g_stopNumber : g_signalNumber).store(number);
+    sem_post(&g_semSignal);
+    errno = savedErrno;
+}
+
+void AwaitPost() {
+    while (sem_wait(&g_semSignal) == -1 && errno == EINTR) {
+    }
+}
+
+int PostsLeft() {
+    int posts = 0;
+    sem_getvalue(&g_semSignal, &posts);
+    return posts;
+}
+
+// The slot may have changed since `number` was taken from it.
+int LatestNumber(int number) {
+    const int latest = g_signalNumber.load();
+    return latest != c_none ? latest : number;
+}
+
+void Forget(SignalHandlerThread* thread) {
+    g_signalThread.compare_exchange_strong(thread, nullptr);
+}
+
+}  // namespace
+
+SignalHandler::~SignalHandler() {
+    const TraceFnc fnc("virtual quor::SignalHandler::~SignalHandler()", c_file, __LINE__);
+}
+
+SignalHandlerThread::SignalHandlerThread(SignalHandler& handler, const int* signals)
+    : m_handler(handler) {
+    const TraceFnc fnc(
+        "quor::SignalHandlerThread::SignalHandlerThread(quor::SignalHandler&, const int*)", c_file,
+        __LINE__);
+    g_stopNumber.store(c_none);
+    sem_init(&g_semSignal, 0, 0);
+    for (const int* number = signals != nullptr ? signals : c_defaultSignals; *number != c_none;
+         ++number) {
+        const Disposition previous = signal(*number, SignalHandlerFnc);
+        if (previous == SIG_ERR) {
+            throw Exception("Can't install handler for " + std::to_string(*number), true);
+        }
+        m_prevHandlers[*number] = previous;
+    }
+    m_thread = std::thread(std::ref(*this));
+}
+
+SignalHandlerThread::~SignalHandlerThread() {
+    Forget(this);  // its thread may have ended by an exception, which leaves the pointer
+}
+
+SignalHandlerThread* SignalHandlerThread::InstallHandler(SignalHandler& handler,
+                                                         const int* signals) {
+    const TraceFnc fnc(
+        "static quor::SignalHandlerThread* "
+        "quor::SignalHandlerThread::InstallHandler(quor::SignalHandler&, const int*)",
+        c_file, __LINE__);
+    if (g_signalThread.load() == nullptr) {
+        g_signalThread.store(new SignalHandlerThread(handler, signals));
+        QUOR_TRACE(High, "Posix signal handling thread started.");
+    }
+    return g_signalThread.load();
+}
+
+void SignalHandlerThread::Stop() {
+    const TraceFnc fnc("void quor::SignalHandlerThread::Stop()", c_file, __LINE__);
+    SignalHandlerFnc(cStopSignal);
+    m_thread.join();
+}
+
+void SignalHandlerThread::operator()() {
+    const TraceFnc fnc("void quor::SignalHandlerThread::operator()()", c_file, __LINE__);
+    try {
+        HandleSignals();
+    } catch (const std::exception& e) {
+        QUOR_TRACE(Low, "WARNING: Ignored std::exception: " << e.what());
+    } catch (...) {
+        if (std::current_exception() == nullptr) {
+            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
+        }
+        QUOR_TRACE(Low, "WARNING: Ignored unknown exception.");
+    }
+}
+
+void SignalHandlerThread::HandleSignals() {
+    int number = g_signalNumber.exchange(c_none);  // from before the semaphore was set to 0
+    bool stopping = false;
+    int postsLeft = 0;
+    for (;;) {
+        QUOR_TRACE(Medium, "Waiting for semaphore from handler function.");
+        AwaitPost();
+        QUOR_TRACE(Medium, "Semaphore triggered.");
+        if (!stopping && g_stopNumber.load() == cStopSignal) {
+            // Signals that arrived before the wish are still handed over, but no endless stream.
+            stopping = true;
+            postsLeft = PostsLeft() + 1;
+        }
+        const int arrived = g_signalNumber.exchange(c_none);
+        number = arrived != c_none ? arrived : number;
+        const bool last = stopping && --postsLeft == 0;
+        if (!last || arrived != c_none) {
+            Deliver(number);
+        }
+        if (last) {
+            QUOR_TRACE(Medium, "Got signal to stop signal thread.");
+            Forget(this);
+            return;
+        }
+    }
+}
+
+void SignalHandlerThread::Deliver(int number) {
+    const Disposition previous = m_prevHandlers.at(number);
+    if (previous != SIG_DFL && previous != SIG_IGN && previous != SignalHandlerFnc) {
+        QUOR_TRACE(Medium, "Calling previous signal handler.");
+        previous(LatestNumber(number));
+    }
+    m_handler.HandleSignal(LatestNumber(number));
+}
+
+}  // namespace quor

@@ -1,0 +1,77 @@
+#include <quor/synchronizer.h>
+
+#include <quor/exception.h>
+#include <quor/trace.h>
+
+#include <chrono>
+#include <string>
+
+namespace quor {
+
+Synchronizer::Synchronizer(unsigned int counter, unsigned int iterations, unsigned int timeoutMs)
+    : m_counter(counter), m_iterations(iterations), m_timeoutMs(timeoutMs) {
+    const unsigned int timeout = Timeout();
+    if (timeout > MaxTimeout) {
+        throw Exception("Internal error: Specified timeout is too long. " +
+                            std::to_string(timeout) + ">" + std::to_string(MaxTimeout),
+                        true);
+    }
+}
+
+Synchronizer::~Synchronizer() {
+    Cancel();
+}
+
+bool Synchronizer::Wait() {
+    using Clock = std::chrono::system_clock;
+    std::unique_lock<std::mutex> lock(m_mutex);
+    for (unsigned int iteration = 0; iteration < m_iterations; ++iteration) {
+        // A counter of 0 does not save the last iteration: the limit is looked at first.
+        if (m_counter == 0) {
+            return true;
+        }
+        QUOR_TRACE(Low, "waiting for condition: iteration:" << iteration);
+        const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(m_timeoutMs);
+        m_condition.wait_until(lock, deadline);
+        if (Clock::now() < deadline) {
+            return m_counter == 0;
+        }
+        QUOR_TRACE(Low, "waiting finished:" << iteration);
+    }
+    QUOR_TRACE(Low, "waiting failed:");
+    return false;
+}
+
+void Synchronizer::Increment() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    QUOR_TRACE(Low, "Increment: before" << m_counter);
+    ++m_counter;
+    QUOR_TRACE(Low, "Increment: after" << m_counter);
+}
+
+void Synchronizer::Decrement() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    QUOR_TRACE(Low, "Decrement: before" << m_counter);
+    if (m_counter > 0) {
+        --m_counter;
+    }
+    if (m_counter == 0) {
+        m_condition.notify_all();
+    }
+    QUOR_TRACE(Low, "Decrement: after" << m_counter);
+}
+
+void Synchronizer::Reset(unsigned int counter) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_counter = counter;
+}
+
+void Synchronizer::Cancel() {
+    m_condition.notify_all();
+}
+
+unsigned int Synchronizer::Timeout() {
+    return m_timeoutMs * m_iterations;
+}
+
+}  // namespace quor

@@ -1,0 +1,124 @@
+#include <quor/exception.h>
+
+#include "threads.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace quor_test {
+namespace {
+
+void WaitForStop(Worker& worker) {
+    while (!worker.StopRequested()) {
+        worker.TimedWait(0, 1'000'000);
+    }
+    QUOR_TRACE(quor::Low, "Main ends");
+}
+
+TEST(WorkerPool, MakesAWorkerOnceUntilItIsDeleted) {
+    const ThreadTap trace;
+    std::string made;
+    Pool pool([&made](const std::string& name) {
+        made += name + " ";
+        return name == "none" ? nullptr : new Worker(name, nullptr);
+    });
+    quor::WorkerThread* const worker = pool.GetWorker("a");
+    EXPECT_EQ(pool.GetWorker("a"), worker);
+    EXPECT_EQ(pool.GetWorker("none"), nullptr);
+    for (const char* name : {"none", "a", "a"}) {
+        pool.Terminate(name);
+    }
+    delete pool.GetWorker("a");
+    pool.GetWorker("a");
+    pool.TerminateAll();
+    EXPECT_EQ(made, "a none a a ");
+    const std::string life = "0 Worker thread: a: CREATED\n0 Worker thread: a: DESTROYED\n";
+    EXPECT_EQ(ThreadTap::Lines("worker_thread"),  // never started: neither stopped nor joined
+              life + life + life + "0 worker_pool: Terminated worker threads.\n");
+}
+
+TEST(WorkerPool, TerminateAllStopsJoinsAndDeletesOneAfterAnotherInTheOrderOfNames) {
+    const ThreadTap trace;
+    Pool pool(WaitForStop);
+    pool.GetWorker("b")->Start();
+    pool.GetWorker("a")->Start();
+    pool.TerminateAll();
+    quor::TraceFile::GetInstance().SetLevel(quor::Detail);
+    pool.TerminateAll();
+    EXPECT_EQ(ThreadTap::Lines("worker_thread"),
+              "0 Worker thread: b: CREATED\n0 Worker thread: b: START\n"
+              "0 Worker thread: a: CREATED\n0 Worker thread: a: START\n"
+              "0 Worker thread: a: REQUEST TO STOP\n1 worker_pool_test: Main ends\n"
+              "0 Worker thread: a: DESTROYED\n"
+              "0 Worker thread: b: REQUEST TO STOP\n2 worker_pool_test: Main ends\n"
+              "0 Worker thread: b: DESTROYED\n"
+              "0 worker_pool: Terminated worker threads.\n0 *** Trace level changed to 4\n"
+              "0 worker_pool: ==> void quor::WorkerPool::TerminateAll()\n"
+              "0 worker_pool: Size of worker map: 2\n"
+              "0 worker_pool: Terminated worker threads.\n"
+              "0 worker_pool: <== void quor::WorkerPool::TerminateAll()\n");
+}
+
+TEST(WorkerPool, TerminateAllTakesAlongWhatAppearsWhileItRuns) {
+    struct Parent : Worker {
+        explicit Parent(Pool& pool) : Worker("b", WaitForStop), m_pool(pool) {}
+        ~Parent() override {
+            m_pool.GetWorker("c")->Start();
+            m_pool.GetWorker("a");
+        }
+        Pool& m_pool;
+    };
+    const ThreadTap trace;
+    Pool* self = nullptr;
+    Pool pool([&self](const std::string& name) {
+        return name == "b" ? new Parent(*self) : new Worker(name, WaitForStop);
+    });
+    self = &pool;
+    pool.GetWorker("b");
+    pool.TerminateAll();
+    EXPECT_EQ(ThreadTap::Lines("worker_thread"),
+              "0 Worker thread: b: CREATED\n0 Worker thread: c: CREATED\n"
+              "0 Worker thread: c: START\n0 Worker thread: a: CREATED\n"
+              "0 Worker thread: b: DESTROYED\n0 Worker thread: c: REQUEST TO STOP\n"
+              "1 worker_pool_test: Main ends\n0 Worker thread: c: DESTROYED\n"
+              "0 Worker thread: a: DESTROYED\n0 worker_pool: Terminated worker threads.\n");
+}
+
+TEST(WorkerPool, FailingFactoryLeavesThePoolAsItWasAndLiveWorkersOutliveIt) {
+    const ThreadTap trace;
+    auto* pool = new Pool([](const std::string& name) {
+        return name == "throw" ? throw 1 : new Worker("a", nullptr);
+    });
+    EXPECT_THROW(pool->GetWorker("throw"), int);
+    EXPECT_THROW(pool->GetWorker("b"), quor::Exception);  // since it gets an "a"
+    delete pool->GetWorker("a");
+    quor::WorkerThread* const orphan = pool->GetWorker("a");
+    delete pool;
+    delete orphan;
+    const std::string life = "0 Worker thread: a: CREATED\n0 Worker thread: a: DESTROYED\n";
+    EXPECT_EQ(ThreadTap::Lines("worker_thread"),
+              "0 Worker thread: a: CREATED\n0 exception: ** Thrown quor::Exception: "
+              "Worker thread: a: made for the name b\n0 Worker thread: a: DESTROYED\n" +
+                  life +
+                  "0 Worker thread: a: CREATED\n"
+                  "0 worker_pool: WARNING: Worker pool destroyed with live worker: a\n"
+                  "0 Worker thread: a: DESTROYED\n");
+}
+
+TEST(WorkerPool, OnlyOneOfSeveralTerminationsOfANameActs) {
+    Pool pool(WaitForStop);
+    for (int round = 1; round <= 500; ++round) {
+        pool.GetWorker("a")->Start();
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([&pool] { pool.Terminate("a"); });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+}
+
+}  // namespace
+}  // namespace quor_test
