@@ -25,11 +25,11 @@ need() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
 
-    say "Installing ${missing[*]}"
-    [ "$may_install" = yes ] || give_up "missing packages; run: apt-get install ${missing[*]}"
+    [ "$may_install" = yes ] || give_up "missing packages; as root: apt-get install ${missing[*]}"
     if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
         give_up "installing needs root, and there is no sudo; as root: apt-get install ${missing[*]}"
     fi
+    say "Installing ${missing[*]}"
     # The package lists of a new machine are empty or old, so a first failure means little.
     apt install --no-install-recommends "${missing[@]}" && return 0
     say "Updating the package lists"
@@ -39,3 +39,5 @@ need() {
 }
 
 packages_to_build="g++ cmake ninja-build libboost-dev libcli11-dev zlib1g-dev"
+packages_to_test="binutils clang-format libgtest-dev libgmock-dev rcs"
+packages_to_test_all="clang clang-tidy make"
