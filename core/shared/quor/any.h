@@ -3,9 +3,8 @@
 
 #include <quor/exception.h>
 
-#include <cxxabi.h>
-
 #include <cstddef>
+#include <exception>
 #include <ostream>
 #include <string>
 #include <type_traits>
@@ -82,9 +81,11 @@ public:
     T Get() const {
         try {
             return boost::any_cast<T>(m_value);
-        } catch (const abi::__forced_unwind&) {
-            throw;  // the thread is ending: that is no failure, and must not be stopped
         } catch (...) {
+            // The end of a thread, which must not be stopped, comes here without an exception.
+            if (std::current_exception() == nullptr) {
+                throw;
+            }
             throw Exception("Invalid value type", true);
         }
     }

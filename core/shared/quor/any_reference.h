@@ -114,7 +114,7 @@ void AnyReference::Assign(const T& value) const {
     if (Type() != typeid(T) || m_const) {
         ThrowTypeException("Assign", Type(), typeid(T));
     }
-    using Value = std::remove_cv_t<T>;
+    using Value = std::remove_cv_t<T>;  // a volatile value does not compile
     if constexpr (c_supported<Value>) {
         static_cast<SpecificPtrHolder<Value>&>(*m_holder) = value;
     }
