@@ -52,24 +52,26 @@ void Work(const Options& options) {
     }
 }
 
-int Run(const Options& options) {
+void Run(const Options& options) {
     try {
         StartReporting(options);
         Work(options);
-        return 0;
     } catch (const std::exception& error) {
-        std::cerr << "spoold: " << error.what() << std::endl;
         quor::Log::GetInstance().Critical(error.what());
-        return 1;
+        throw;
     }
 }
 
 }  // namespace spoold
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     CLI::App app("Writes a report on every file that is dropped into a spool folder.");
     spoold::Options options;
     spoold::AddOptions(app, options);
     CLI11_PARSE(app, argc, argv);
-    return spoold::Run(options);
+    spoold::Run(options);
+    return 0;
+} catch (const std::exception& error) {
+    std::cerr << "spoold: " << error.what() << std::endl;
+    return 1;
 }

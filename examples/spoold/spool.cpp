@@ -70,7 +70,7 @@ Spool::Spool(const std::string& folder)
 
 std::string Spool::Take(const std::string& name) const {
     QUOR_TRACE_FNC();
-    const std::string freeName = FreeName(name);
+    std::string freeName = FreeName(name);
     if (rename((m_folder + name).c_str(), WorkPath(freeName).c_str()) == 0) {
         QUOR_TRACE(quor::Low, "Taken: " << Quoted(name) << " as " << Quoted(freeName));
         return freeName;

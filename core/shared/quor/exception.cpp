@@ -33,7 +33,8 @@ void WritePlace(const std::vector<std::string>& stack, int line) {
 }
 
 __attribute__((noinline)) void LogException(const char* text, bool log) noexcept {
-    if (!log || !TraceFile::GetInstance().IsActive()) {
+    // Off asks whether the trace runs at all, without making it where there is none.
+    if (!log || !TraceGateOpen(Off)) {
         return;
     }
     const int savedErrno = errno;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ostream>
 #include <type_traits>
@@ -10,6 +11,7 @@ namespace quor {
 namespace {
 
 constexpr long c_nanosecondsPerSecond = 1'000'000'000;
+constexpr signed char c_otherZone = 127;
 
 using UnsignedSeconds = std::make_unsigned_t<time_t>;
 
@@ -50,10 +52,14 @@ tm BreakDown(time_t seconds, bool utc) {
     return result != nullptr ? fields : tm{};
 }
 
-// The text of a moment depends on the zone through its UTC offset alone. Offsets that differ by
-// 256 minutes would be mixed up, and no zone was ever moved by that much.
-unsigned char ZoneMark(const tm& fields) {
-    return static_cast<unsigned char>(fields.tm_gmtoff / 60);
+// The text of a moment depends on the zone through its UTC offset alone, which fits into the byte
+// that is left when it counts quarters of an hour, as all zones in use do. Texts of any other zone
+// are built at every use.
+signed char ZoneMark(const tm& fields) {
+    constexpr long c_quarter = 900;
+    const long quarters = fields.tm_gmtoff / c_quarter;
+    const bool fits = fields.tm_gmtoff % c_quarter == 0 && std::labs(quarters) < c_otherZone;
+    return fits ? static_cast<signed char>(quarters) : c_otherZone;
 }
 
 // Room for any value of every field, so that only the last step cuts.
@@ -193,7 +199,7 @@ bool Time::IsZoneOfTextCurrent() const {
     if ((m_format & eUtc) != 0 || !IsCalendarForm(m_format)) {
         return true;
     }
-    return ZoneMark(BreakDown(m_time.tv_sec, false)) == m_textZone;
+    return m_textZone != c_otherZone && ZoneMark(BreakDown(m_time.tv_sec, false)) == m_textZone;
 }
 
 const char* Time::Text() const {

@@ -81,8 +81,7 @@ private:
     mutable timespec m_time;   // tv_nsec in 0 .. 999,999,999 after every operation
     mutable bool m_textStale;  // m_text is to be rebuilt
     mutable char m_text[30];
-    mutable unsigned char
-        m_textZone;  // UTC offset that m_text was built with, in minutes, low 8 bits
+    mutable signed char m_textZone;  // UTC offset in m_text, in quarters of an hour
 };
 
 Time operator+(Time left, const Time& right);

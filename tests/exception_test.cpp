@@ -1,0 +1,144 @@
+#include "support.h"
+
+#include <quor/exception.h>
+
+#include <cstring>
+#include <future>
+#include <optional>
+#include <sstream>
+
+namespace quor_test {
+
+__attribute__((noinline)) Exception Build(int kind, bool log) {
+    std::ostringstream stream;
+    stream << "boom";
+    switch (kind) {
+        case 0:
+            return {std::string("boom"), log};
+        case 1:
+            return {"boom", log};
+        default:
+            return {stream, log};
+    }
+}
+
+TEST(Exception, ReportsItsTextAndPlaceOrTheWholeStack) {
+    TraceTap trace(Medium);
+    TraceFile::GetInstance().SetPrintFile(true);
+    TraceFile::GetInstance().SetPrintLine(false);
+    const std::string thrown = "[#: #] exception: ** Thrown quor::Exception: boom\n";
+    const std::string place =
+        std::string(program_invocation_name) + "(quor_test::Build(int, bool)) [#]\n";
+    for (const int kind : {0, 1, 2}) {
+        TraceFile::GetInstance().SetDumpStack(false);
+        std::ostringstream stream;
+        errno = EXDEV;
+        stream << Build(kind, true) << Build(kind, false).what();
+        EXPECT_EQ(errno, EXDEV);
+        EXPECT_EQ(stream.str(), "boomboom");
+        EXPECT_EQ(trace.News(), thrown + "[#: #] exception: ** in: " + place);
+        TraceFile::GetInstance().SetDumpStack(true);
+        Build(kind, false);
+        Build(kind, true);
+        const std::string dump = trace.News();
+        EXPECT_EQ(dump.find(thrown + "[#: #] 0. "), 0u) << dump;
+        EXPECT_NE(dump.find("\n3. " + place + "4. "), std::string::npos) << dump;
+        EXPECT_EQ(dump.find("** in: "), std::string::npos) << dump;
+    }
+    TraceFile::GetInstance().Pause();
+    trace.News();
+    Build(0, true);
+    EXPECT_EQ(trace.News(), "");
+}
+
+// Memory ends at each allocation of the operation in turn.
+void WithShortMemory(const std::function<void()>& operation) {
+    bool enough = false;
+    for (int granted = 0; !enough; ++granted) {
+        const ScopedValue memory(Hooks::allocations, granted);
+        try {
+            operation();
+        } catch (const std::bad_alloc&) {
+        }
+        enough = Hooks::allocations > 0;
+    }
+}
+
+TEST(Reporting, GoesAsFarAsMemoryReachesAndNeverEndsTheProcess) {
+    TraceTap trace;
+    EXPECT_TRUE(Log::Init("app.log"));
+    const auto descriptors = OpenDescriptors();
+    const std::string text(200, 'x');
+    for (const bool dump : {false, true}) {
+        TraceFile::GetInstance().SetDumpStack(dump);
+        WithShortMemory([&text] {
+            const Exception exception(text.c_str(), true);
+            EXPECT_EQ(text.compare(0, std::strlen(exception.what()), exception.what()), 0);
+        });
+    }
+    WithShortMemory([&text] { Log::GetInstance().Info(text); });
+    TraceFile::GetInstance().Stop();
+    WithShortMemory([] { TraceFile::GetInstance().Start(Low); });
+    EXPECT_TRUE(TraceFile::GetInstance().IsActive());
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+}
+
+TEST(ReportingDeathTest, AnExceptionIsBuiltWithoutMemoryBeforeAnythingElse) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto build = [] {
+        const ScopedValue memory(Hooks::allocations, 0);
+        const Exception exception("a text that needs memory", true);
+        _exit(0);
+    };
+    EXPECT_EXIT(build(), testing::ExitedWithCode(0), "");
+}
+
+TEST(Lock, ReleasesInTheOrderGiven) {
+    std::mutex a;
+    std::mutex b;
+    for (int round = 0; round < 500; ++round) {
+        std::mutex& early = round % 2 == 0 ? a : b;
+        std::mutex& late = round % 2 == 0 ? b : a;
+        std::optional<Lock> lock(std::in_place, early, late);
+        std::thread watcher([&early, &late] {
+            while (!late.try_lock()) {
+            }
+            EXPECT_TRUE(early.try_lock());
+            early.unlock();
+            late.unlock();
+        });
+        lock.reset();
+        watcher.join();
+    }
+}
+
+TEST(Lock, ExcludesOthersWithoutDeadlockAndHoldsNothingWhenItThrows) {
+    std::mutex mutexes[8];
+    std::vector<std::mutex*> forward;
+    for (std::mutex& mutex : mutexes) {
+        forward.push_back(&mutex);
+    }
+    const std::vector<std::mutex*> backward(forward.rbegin(), forward.rend());
+    int guarded = 0;
+    const auto run = [&guarded, &mutexes](const std::vector<std::mutex*>& list) {
+        for (int round = 0; round < 5'000; ++round) {
+            const Lock all(list);
+            ++guarded;
+        }
+        for (int round = 0; round < 5'000; ++round) {
+            const Lock one(mutexes[3]);
+            ++guarded;
+        }
+    };
+    std::thread other([&] { run(backward); });
+    run(forward);
+    other.join();
+    EXPECT_EQ(guarded, 20'000);
+    EXPECT_THROW(Lock(mutexes[0], mutexes[1], mutexes[0]), std::system_error);
+    for (std::mutex& mutex : mutexes) {
+        EXPECT_TRUE(mutex.try_lock());
+        mutex.unlock();
+    }
+}
+
+}  // namespace quor_test

@@ -1,0 +1,15 @@
+#!/bin/bash
+# late_reports.sh PROGRAM RUNS: each run ends well, and its trace ends in one trailer.
+set -euo pipefail
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+for ((run = 0; run < $2; ++run)); do
+    rm -f "$folder"/*
+    "$1" "$folder/trace" "$folder/log"
+    if [ "$(tail -n 5 "$folder/trace" | sed -n 2p)" != "* ***** Trace stopped *****" ] ||
+        [ "$(grep -c '^\* \*\*\*\*\* Trace' "$folder/trace")" != 2 ]; then
+        tail -n 20 "$folder/trace"
+        echo "run $run: the trace does not end in its trailer"
+        exit 1
+    fi
+done

@@ -1,0 +1,96 @@
+#include "support.h"
+
+namespace quor_test {
+
+std::string LogHeader() {
+    const std::string rule(79, '-');
+    return rule +
+           "\n* *****Logging started *****\n\n* Version       : " + VerInfo::VersionString() +
+           "\n* Start time    : #\n* Process name  : " + GetProgName() + "\n" + rule + "\n\n";
+}
+
+TEST(Log, KeepsAHeaderAndALineForEachMessageInAFileThatMayDisappear) {
+    const ScopedZone zone("XYZ-2");
+    const Folder folder;
+    EXPECT_TRUE(Log::Init("app.log"));
+    EXPECT_EQ(Masked(ReadFile("app.log")), LogHeader());
+    EXPECT_TRUE(Log::Init("app.log"));
+    const int writes = g_hooks.writes;
+    Log::GetInstance().Info("a");
+    Log::GetInstance().Warning("b\nc");
+    Log::GetInstance().Error("d");
+    Log::GetInstance().Critical("e");
+    EXPECT_EQ(g_hooks.writes - writes, 4);
+    EXPECT_EQ(
+        Masked(ReadFile("app.log")),
+        LogHeader() + "[#] Info    : a\n[#] Warning : b\nc\n[#] Error   : d\n[#] Critical: e\n");
+    std::filesystem::remove("app.log");
+    const FakeClock clock(0);
+    Log::GetInstance().Info("f");
+    EXPECT_EQ(Masked(ReadFile("app.log")), LogHeader() + "[#] Info    : f\n");
+    EXPECT_NE(ReadFile("app.log").find("\n[1970-01-01 02:00:00] Info"), std::string::npos);
+}
+
+TEST(Log, WritesToStandardOutputWhileThereIsNeitherFileNorTrace) {
+    const Folder folder;
+    {
+        const Redirected output(STDOUT_FILENO, "output");
+        for (const char* name : {"", "missing/app.log"}) {
+            EXPECT_FALSE(Log::Init(name));
+            Log::GetInstance().Warning("a");
+            Log::GetInstance().Warning("b");
+            const TraceTap trace;
+            Log::GetInstance().Warning("traced");
+        }
+    }
+    EXPECT_EQ(ReadFile("output"), "Warning : a\nWarning : b\nWarning : a\nWarning : b\n");
+    std::filesystem::create_directory("missing");
+    Log::GetInstance().Warning("c");
+    EXPECT_EQ(Masked(ReadFile("missing/app.log")), LogHeader() + "[#] Warning : c\n");
+}
+
+TEST(Log, CopiesMessagesIntoTheRunningTrace) {
+    TraceTap trace;
+    EXPECT_TRUE(Log::Init("app.log"));
+    TraceFile::GetInstance().SetPrintFile(true);
+    TraceFile::GetInstance().SetPrintLine(false);
+    Log::GetInstance().Info("a");
+    LogCritical("b");
+    TraceFile::GetInstance().Pause();
+    LogCritical("c");
+    EXPECT_EQ(trace.News(),
+              "[#: #] log: Info    : a\n[#: #] log: b\n[#: #] log: Critical: b\n"
+              "[#: #] *** Tracing paused. ***\n");
+    EXPECT_EQ(Masked(ReadFile("app.log")),
+              LogHeader() + "[#] Info    : a\n[#] Critical: b\n[#] Critical: c\n");
+}
+
+TEST(Log, LeavesNoDescriptorBehindAfterTenThousandMessages) {
+    const Folder folder;
+    const Redirected output(STDOUT_FILENO, "output");
+    const Redirected errors(STDERR_FILENO, "errors");
+    const auto descriptors = OpenDescriptors();
+    for (const char* name : {"/dev/full", "missing/app.log", "app.log"}) {
+        Log::Init(name);
+        for (int message = 0; message < 10'000; ++message) {
+            const ScopedValue full(g_hooks.diskFull, message % 2 == 0);
+            Log::GetInstance().Info("x");
+        }
+    }
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_EQ(Masked(ReadFile("app.log")).size(), LogHeader().size() + 5'000 * 16);
+}
+
+TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto report = [] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        TraceFile::GetInstance().Start(Low);
+        LogCritical("x");
+        TraceFile::GetInstance().Stop();
+        _exit(Log::m_enabled ? 1 : 0);
+    };
+    EXPECT_EXIT(report(), testing::ExitedWithCode(0), "[0-9]: x\n\n-+\n.+ Trace stopped");
+}
+
+}  // namespace quor_test

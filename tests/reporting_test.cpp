@@ -1,0 +1,99 @@
+// The trace, the log and exceptions together, on many threads.
+#include "support.h"
+
+#include <quor/exception.h>
+
+#include <signal.h>
+
+namespace quor_test {
+
+void Report(int thread, int pass) {
+    const TraceFnc scope("void Report()", "reporting", 1);
+    QUOR_TRACE(Low, "thread " << thread << " pass " << pass);
+    if (thread < 2) {
+        Log::GetInstance().Info("pass");
+        const Exception reported("pass", true);
+    }
+}
+
+void SwitchTheTrace() {
+    TraceFile& file = TraceFile::GetInstance();
+    for (const TraceLevel_e level : {Detail, Low, Off, Medium, High}) {
+        file.SetLevel(level);
+        file.DumpStack();
+        file.Pause();
+        file.Continue();
+    }
+    file.Stop();
+    file.Start(High);
+}
+
+TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitched) {
+    const ScopedZone zone("UTC0");
+    const TraceTap trace;
+    EXPECT_TRUE(Log::Init("app.log"));
+    {
+        const FakeClock clock(0, 1);  // every stamp is another second of one day
+        std::atomic<int> running{8};
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 8; ++thread) {
+            threads.emplace_back([thread, &running] {
+                for (int pass = 0; pass < 300; ++pass) {
+                    Report(thread, pass);
+                }
+                --running;
+            });
+        }
+        for (int round = 0; running > 0 && round < 1'000; ++round) {
+            SwitchTheTrace();
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+    const auto whole = testing::MatchesRegex(
+        "\\[[0-9]{5,}: [0-9:]{8}\\.0{9}] (\\*\\*\\* Trac[a-z0-9 ]+(\\. \\*\\*\\*)?|0\\. .+|   1: "
+        "(==>|<==) void "
+        "Report\\(\\)| *[0-9]+: (thread . pass [0-9]+|Info    : pass|\\*\\* Thrown "
+        "quor::Exception: pass|"
+        "\\*\\* in: .+))|[0-9]+\\. .+|-{79}|\\* .+|");
+    std::ifstream lines("trace.log");
+    std::string last;
+    for (std::string text; std::getline(lines, text);) {
+        ASSERT_THAT(text, whole);
+        if (text[0] == '[') {
+            const std::string stamp = text.substr(text.find(' '), 9);
+            EXPECT_LT(std::exchange(last, stamp), stamp);
+        }
+    }
+    std::string log = "-\n\n";
+    for (int pass = 0; pass < 600; ++pass) {
+        log += "[#] Info    : pass\n";
+    }
+    EXPECT_NE(Masked(ReadFile("app.log")).find(log), std::string::npos);
+}
+
+TEST(ReportingProcess, LeavesWholeLinesWhenKilled) {
+    for (int round = 0; round < 30; ++round) {
+        const Folder folder;
+        std::ofstream("trace.log").flush();
+        Child child([](Pipe&) {
+            TraceFile::Init("trace.log", "");
+            TraceFile::GetInstance().Start(High);
+            const auto work = [](int thread) {
+                for (int pass = 0;; ++pass) Report(thread, pass);
+            };
+            std::thread other(work, 3);
+            work(4);
+        });
+        WaitForText("trace.log", "pass " + std::to_string(round * 37));
+        kill(child.pid, SIGKILL);
+        EXPECT_EQ(child.Exit(), -SIGKILL);
+        const std::string text = ReadFile("trace.log");
+        // The kernel may stop the write of a killed process at the end of a page.
+        EXPECT_TRUE(text.back() == '\n' || text.size() % 4096 == 0)
+            << text.substr(text.size() - 99);
+    }
+}
+
+}  // namespace quor_test

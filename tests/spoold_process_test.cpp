@@ -1,0 +1,150 @@
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "support.h"
+
+namespace quor_test {
+namespace {
+
+using Names = std::set<std::string>;
+using testing::HasSubstr;
+
+// Runs the example; it has the folders of a spool, and its standard error goes to the file "error".
+class SpooldProcess : public testing::Test {
+protected:
+    SpooldProcess() {
+        for (const char* room : {"spool/work", "spool/done", "spool/failed/folder"}) {
+            std::filesystem::create_directories(room);
+        }
+        Write("trace", "");
+    }
+
+    static Child Start(const std::string& options) {
+        const std::string command = "exec '" QUOR_TEST_SPOOLD "' " + options + " 2>error >out";
+        return Child([&](Pipe&) { execl("/bin/sh", "sh", "-c", command.c_str(), nullptr); });
+    }
+    static Child StartWaiting() { return Start("--spool spool --log log --trace trace"); }
+    static int Drain() { return Start("--spool spool --log log --once").Exit(); }
+    static void Write(const std::string& name, const std::string& text) {
+        std::ofstream(name, std::ios::binary) << text;
+    }
+    static Names In(const std::string& folder) {
+        Names names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.insert(entry.path().filename());
+        }
+        return names;
+    }
+
+    const Folder folder;
+};
+
+TEST_F(SpooldProcess, ReportTellsSizeLinesWordsChecksumAndFirstBytes) {
+    Write("spool/x\n\xff", std::string("The 1st line\n and\tmore \xff\0!", 26));
+    Write("spool/long", std::string(100'000, 'x'));
+    ASSERT_EQ(Drain(), 0);
+    EXPECT_THAT(ReadFile("spool/done/long.report"), HasSubstr("CRC-32:  fe071171\n"));
+    const std::regex times(" [-0-9]{10} [:0-9]{8}, in [0-9]+[.][0-9]{9} s");
+    EXPECT_EQ(std::regex_replace(ReadFile("spool/done/x\n\xff.report"), times, " #"),
+              "File:    'x\\x0a\\xff'\nSize:    26 bytes\nLines:   1\nWords:   6\n"
+              "CRC-32:  6a4f89ac\nRead:    #\nFirst 26 bytes:\n"
+              "00000: 54 68 65 20 31 73 74 20 6C 69 6E 65 0A 20 61 6E  The.1st.line..an\n"
+              "00016: 64 09 6D 6F 72 65 20 FF 00 21                    d.more...!\n");
+}
+
+TEST_F(SpooldProcess, AnyNameEndsUnderANameOfItsOwn) {
+    const std::pair<std::string, std::string> namesWhenDone[] = {
+        {"line \n feed", "line \n feed"},
+        {"\xff\\", "\xff\\"},
+        {"a.report", "a.report.2"},
+        {"there", "there.3"},
+        {"folder", "folder.2"},
+        {"alone", "alone.2"},
+        {std::string(255, 'n'), std::string(200, 'n')}};
+    Names expected{"there", "there.2", "alone.report"};
+    for (const std::string& name : expected) {
+        Write("spool/done/" + name, "old");
+    }
+    for (const auto& [name, done] : namesWhenDone) {
+        Write("spool/" + name, name);
+        expected.insert({done, done + ".report"});
+    }
+    ASSERT_EQ(Drain(), 0);
+    EXPECT_EQ(In("spool/done"), expected);
+    for (const auto& [name, done] : namesWhenDone) {
+        EXPECT_EQ(ReadFile("spool/done/" + done), name);
+    }
+}
+
+TEST_F(SpooldProcess, WhatCannotBeReadGoesToFailedAndTheLogSaysSo) {
+    ASSERT_EQ(symlink("nowhere", "spool/link"), 0);
+    ASSERT_EQ(symlink("/proc/self/mem", "spool/to\nmemory"), 0);
+    std::filesystem::create_directories("spool/full/folder");
+    ASSERT_EQ(Drain(), 0);
+    EXPECT_EQ(In("spool/failed"), (Names{"folder", "full", "link", "to\nmemory"}));
+    EXPECT_THAT(ReadFile("log"),
+                HasSubstr("Error   : Not a regular file: 'spool/work/to\\x0amemory'"));
+}
+
+TEST_F(SpooldProcess, RestartFinishesEveryStepThatAKillInterrupted) {
+    Write("spool/work/taken", "");
+    Write("spool/work/half", "");
+    Write("spool/work/.half.report", std::string(10'000, '?'));
+    Write("spool/work/whole", "");
+    Write("spool/done/whole.report", "the first report");
+    Write("spool/whole", "");
+    ASSERT_EQ(Drain(), 0);
+    EXPECT_EQ(In("spool/work"), Names{".lock"});
+    EXPECT_EQ(In("spool/done"), (Names{"half", "half.report", "taken", "taken.report", "whole",
+                                       "whole.report", "whole.2", "whole.2.report"}));
+    EXPECT_EQ(ReadFile("spool/done/whole.report"), "the first report");
+    EXPECT_EQ(ReadFile("spool/done/half.report").find('?'), std::string::npos);
+}
+
+TEST_F(SpooldProcess, EveryFileHasOneReportHoweverOftenItIsKilled) {
+    Names expected;
+    for (int number = 100; number < 160; ++number) {
+        const std::string name = std::to_string(number);
+        Write("spool/" + name, name);
+        expected.insert({name, name + ".report"});
+    }
+    for (const char* name : {"105", "110", "120", "121", "130", "140"}) {
+        Child spoold = StartWaiting();
+        WaitForText("trace", std::string("'") + name + "'");
+        kill(spoold.pid, SIGKILL);
+        ASSERT_EQ(spoold.Exit(), -SIGKILL);
+    }
+    ASSERT_EQ(Drain(), 0);
+    EXPECT_EQ(In("spool/done"), expected);
+}
+
+TEST_F(SpooldProcess, WaitsForDropsKeepsOthersOutAndStopsInOrder) {
+    Child spoold = StartWaiting();
+    WaitForText("trace", "Waiting");
+    EXPECT_EQ(Drain(), 1);
+    EXPECT_EQ(ReadFile("error"), "spoold: Another spoold holds 'spool'\n");
+    Write("spool/.late", "");
+    std::filesystem::rename("spool/.late", "spool/late");
+    WaitForText("trace", "Done: 'late'");
+    kill(spoold.pid, SIGTERM);
+    EXPECT_EQ(spoold.Exit(), 0);
+    EXPECT_THAT(ReadFile("trace"), HasSubstr("Trace stopped"));
+}
+
+TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
+    for (const auto& [options, error] :
+         {std::pair("--spool spool --log none/log", "spoold: Cannot write the log 'none/log'"),
+          std::pair("--spool spool --trace full --trace-dir /dev", "Cannot write the trace 'full'"),
+          std::pair("--spool spool --onec", "was not expected: --onec")}) {
+        EXPECT_GT(Start(options).Exit(), 0) << options;
+        EXPECT_THAT(ReadFile("error"), HasSubstr(error));
+    }
+}
+
+}  // namespace
+}  // namespace quor_test

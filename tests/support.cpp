@@ -1,0 +1,231 @@
+#include "support.h"
+
+#include <dlfcn.h>
+#include <poll.h>
+#include <regex.h>
+#include <signal.h>
+#include <sys/inotify.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <new>
+
+namespace quor_test {
+
+Hooks g_hooks;
+thread_local int Hooks::allocations = -1;
+
+}  // namespace quor_test
+
+using quor_test::g_hooks;
+
+extern "C" {
+
+int clock_gettime(clockid_t clock, timespec* now) noexcept {
+    if (clock == CLOCK_REALTIME && g_hooks.fakeClock) {
+        *now = {g_hooks.seconds.fetch_add(g_hooks.step), 0};
+        return 0;
+    }
+    return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
+}
+
+ssize_t write(int fd, const void* data, size_t size) {
+    g_hooks.writes += size > 0 ? 1 : 0;
+    if (g_hooks.diskFull && fd > STDERR_FILENO) {
+        errno = ENOSPC;
+        return -1;
+    }
+    return syscall(SYS_write, fd, data, size);
+}
+
+int fsync(int fd) {
+    ++g_hooks.syncs;
+    return static_cast<int>(syscall(SYS_fsync, fd));
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// The sanitizers' own adds a frame of theirs to every stack.
+int backtrace(void** frames, int size) {
+    void* all[130];
+    static const auto real =
+        reinterpret_cast<int (*)(void**, int)>(dlsym(dlopen("libc.so.6", RTLD_LAZY), "backtrace"));
+    const int count = size > 0 ? real(all, std::min(size + 1, 130)) - 1 : 0;
+    std::copy_n(all + 1, count, frames);
+    return count;
+}
+#endif
+
+}  // extern "C"
+
+// Not inlined: GCC would see malloc met by delete.
+__attribute__((noinline)) void* operator new(std::size_t size) {
+    int& allocations = quor_test::Hooks::allocations;
+    void* const memory = allocations == 0 ? nullptr : std::malloc(size | 1);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    allocations -= allocations > 0 ? 1 : 0;
+    return memory;
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+namespace quor_test {
+
+namespace fs = std::filesystem;
+
+std::string ReadFile(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::ptrdiff_t OpenDescriptors() {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
+}
+
+std::string Masked(std::string text) {
+    const std::pair<const char*, std::string> masks[] = {
+        {"[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}(\\.[0-9]{9})?", "#"},
+        {"\\[[0-9]{5,}: [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{9}\\]", "[#: #]"},
+        {"Process id    : [0-9]+", "Process id    : #"},
+        {"0x[0-9a-f]+", "#"}};
+    for (const auto& [pattern, mask] : masks) {
+        regex_t regex;
+        Pipe::Check(regcomp(&regex, pattern, REG_EXTENDED) == 0);
+        regmatch_t match;
+        for (std::size_t at = 0; regexec(&regex, text.data() + at, 1, &match, 0) == 0;
+             at += mask.size()) {
+            at += static_cast<std::size_t>(match.rm_so);
+            text.replace(at, static_cast<std::size_t>(match.rm_eo - match.rm_so), mask);
+        }
+        regfree(&regex);
+    }
+    return text;
+}
+
+std::string TraceOpening(const std::string& event) {
+    const std::string rule(79, '-');
+    return rule + "\n* ***** Trace " + event +
+           " *****\n\n* Version       : " + VerInfo::VersionString() +
+           "\n* Start time    : #\n* Process name  : " + program_invocation_short_name +
+           "\n* Process id    : #\n" + rule + "\n\n";
+}
+
+std::string TraceClosing() {
+    const std::string rule(79, '-');
+    return "\n" + rule + "\n* ***** Trace stopped *****\n\n* End time      : #\n" + rule + "\n";
+}
+
+void WaitForText(const std::string& file, const std::string& text) {
+    pollfd changes{inotify_init1(IN_NONBLOCK), POLLIN, 0};
+    inotify_add_watch(changes.fd, file.c_str(), IN_MODIFY);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    char events[4096];
+    while (ReadFile(file).find(text) == std::string::npos) {
+        if (poll(&changes, 1, 10'000) == 0 || std::chrono::steady_clock::now() > end) {
+            throw std::runtime_error("no \"" + text + "\" in " + file + ":\n" + ReadFile(file));
+        }
+        Pipe::Check(read(changes.fd, events, sizeof(events)) > 0);
+    }
+    close(changes.fd);
+}
+
+ScopedZone::ScopedZone(const std::string& zone) {
+    const char* const current = std::getenv("TZ");
+    saved = current != nullptr ? current : ":/etc/localtime";
+    Set(zone);
+}
+
+void ScopedZone::Set(const std::string& zone) {
+    setenv("TZ", zone.c_str(), 1);
+    tzset();
+}
+
+Folder::Folder() : previous(fs::current_path()), path(fs::temp_directory_path() / "quor.XXXXXX") {
+    fs::current_path(mkdtemp(path.data()));
+}
+
+Folder::~Folder() {
+    fs::current_path(previous);
+    fs::remove_all(path);
+}
+
+Redirected::Redirected(int descriptor, const std::string& file) : fd(descriptor), saved(dup(fd)) {
+    std::cout.flush();
+    close(fd);
+    Pipe::Check(file.empty() || open(file.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600) == fd);
+}
+
+Redirected::~Redirected() {
+    std::cout.flush();
+    std::cout.clear();
+    dup2(saved, fd);
+    close(saved);
+}
+
+TraceTap::TraceTap(TraceLevel_e level) : seen(0) {
+    TraceFile::Init("trace.log", "");
+    TraceFile::GetInstance().Start(level);
+    News();
+}
+
+TraceTap::~TraceTap() {
+    TraceFile& trace = TraceFile::GetInstance();
+    trace.Stop();
+    trace.SetLevel(Off);
+    trace.SetPrintFile(false);
+    trace.SetPrintLine(true);
+    trace.SetDumpStack(false);
+}
+
+std::string TraceTap::News() {
+    const std::string text = ReadFile("trace.log");
+    return Masked(text.substr(std::exchange(seen, text.size())));
+}
+
+void Pipe::Check(bool success) {
+    if (!success) {
+        throw std::runtime_error("a test's helper failed: " + std::to_string(errno));
+    }
+}
+
+Child::Child(const std::function<void(Pipe&)>& body) : Pipe(-1) {
+    int ends[2];
+    Check(socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0 && (pid = fork()) != -1);
+    fd = ends[pid == 0 ? 1 : 0];
+    close(ends[pid == 0 ? 0 : 1]);
+    if (pid == 0) {
+        try {
+            body(*this);
+            _exit(0);
+        } catch (const std::exception& error) {
+            std::cerr << "child: " << error.what() << std::endl;
+            _exit(1);
+        }
+    }
+}
+
+Child::~Child() {
+    if (pid != -1) {
+        kill(pid, SIGKILL);
+        Exit();
+    }
+}
+
+int Child::Exit() {
+    int status = 0;
+    waitpid(std::exchange(pid, -1), &status, 0);
+    return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+}  // namespace quor_test

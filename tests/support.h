@@ -1,0 +1,149 @@
+#ifndef QUOR_TESTS_SUPPORT_H
+#define QUOR_TESTS_SUPPORT_H
+
+#include <quor/log.h>
+#include <quor/process.h>
+#include <quor/trace.h>
+#include <quor/ver_info.h>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// Tests and their helpers. What must be seen in a stack is not in an unnamed namespace.
+namespace quor_test {
+
+using namespace quor;
+
+std::string ReadFile(const std::string& name);
+std::ptrdiff_t OpenDescriptors();
+/// Thread ids, dates, times, process ids and addresses become "#". What is not laid out to the
+/// digit stays as it is, and so differs from the text that a test expects.
+std::string Masked(std::string text);
+/// The masked blocks around a trace; `event` is "started" or "appended".
+std::string TraceOpening(const std::string& event);
+std::string TraceClosing();
+/// Sleeps until `file` holds `text`. After 10 s, a hang, it throws and names the text.
+void WaitForText(const std::string& file, const std::string& text);
+
+/// What support.cpp puts in front of the C library, for this program and the library under test.
+struct Hooks {
+    std::atomic<bool> fakeClock{false};
+    std::atomic<time_t> seconds{0};
+    std::atomic<time_t> step{0};
+    std::atomic<int> writes{0};           // calls of write with something to write
+    std::atomic<int> syncs{0};            // calls of fsync
+    std::atomic<bool> diskFull{false};    // for descriptors above 2
+    static thread_local int allocations;  // that operator new still grants; negative: all
+};
+extern Hooks g_hooks;
+
+/// Guards put back what they borrow from the process.
+struct Guard {
+    Guard() = default;
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+};
+
+template <typename T, typename Value>
+struct ScopedValue : Guard {
+    ScopedValue(T& borrowed, Value value) : variable(borrowed), saved(borrowed) {
+        variable = value;
+    }
+    ~ScopedValue() { variable = saved; }
+    T& variable;
+    Value saved;
+};
+
+/// The real-time clock: stands still, or moves on by `step` seconds at every reading.
+struct FakeClock : Guard {
+    explicit FakeClock(time_t seconds, time_t step = 0) {
+        g_hooks.seconds = seconds;
+        g_hooks.step = step;
+        g_hooks.fakeClock = true;
+    }
+    ~FakeClock() { g_hooks.fakeClock = false; }
+    void Advance(time_t seconds) { g_hooks.seconds += seconds; }
+};
+
+struct ScopedZone : Guard {
+    explicit ScopedZone(const std::string& zone);
+    ~ScopedZone() { Set(saved); }
+    static void Set(const std::string& zone);
+    std::string saved;
+};
+
+/// A new, empty working directory.
+struct Folder : Guard {
+    Folder();
+    ~Folder();
+    std::string previous;
+    std::string path;
+};
+
+/// A standard descriptor that goes to `file`, or is closed when that is empty.
+struct Redirected : Guard {
+    Redirected(int descriptor, const std::string& file);
+    ~Redirected();
+    int fd;
+    int saved;
+};
+
+/// A trace into "trace.log" of a folder of its own; the end resets the trace.
+struct TraceTap : Guard {
+    explicit TraceTap(TraceLevel_e level = Low);
+    ~TraceTap();
+    void WaitFor(const std::string& text) const { WaitForText("trace.log", text); }
+    /// The masked text written since the opening block or the last call.
+    std::string News();
+    const Folder folder;
+    std::size_t seen;
+};
+
+/// One end of the connection between a test and its child process.
+struct Pipe : Guard {
+    explicit Pipe(int socket) : fd(socket) {}
+    ~Pipe() { HangUp(); }
+    template <typename T>
+    void Send(const T& value) {
+        Check(send(fd, &value, sizeof(value), MSG_NOSIGNAL) == sizeof(value));
+    }
+    template <typename T>
+    T Receive() {
+        T value{};
+        Check(recv(fd, &value, sizeof(value), MSG_WAITALL) == sizeof(value));
+        return value;
+    }
+    void AwaitHangUp() const {
+        for (char byte; recv(fd, &byte, 1, 0) > 0;) {
+        }
+    }
+    void HangUp() { close(std::exchange(fd, -1)); }
+    static void Check(bool success);
+    int fd;
+};
+
+/// A forked process that runs `body` and leaves by _exit: 0, or 1 when the body threw.
+struct Child : Pipe {
+    explicit Child(const std::function<void(Pipe&)>& body);
+    ~Child();
+    /// Waits for the end: the exit code, or the negative number of the signal.
+    int Exit();
+    pid_t pid;
+};
+
+}  // namespace quor_test
+
+#endif

@@ -1,0 +1,127 @@
+#include "support.h"
+
+#include <iomanip>
+#include <locale>
+#include <map>
+
+namespace quor_test {
+
+void Stripped(int& evaluated);
+
+TEST(TraceMacro, EvaluatesTheLevelOnceAndTheMessageOnlyWhileTheGateIsOpen) {
+    const TraceTap trace(Medium);
+    int levels = 0;
+    int messages = 0;
+    const auto level = [&levels](TraceLevel_e value) { return ++levels, value; };
+    const auto site = [&](TraceLevel_e value) { QUOR_TRACE(level(value), ++messages); };
+    site(High);
+    TraceFile::GetInstance().Pause();
+    site(Low);
+    TraceFile::GetInstance().Continue();
+    site(Medium);
+    TraceFile::GetInstance().Stop();
+    site(Low);
+    EXPECT_EQ(levels, 4);
+    EXPECT_EQ(messages, 1);
+}
+
+template <typename T>
+int AmongNeighbours(T kind) {
+    [[maybe_unused]] struct ostringstream {
+    } quor, std, level, line, file, text, siteLevel, TraceWrite, TraceMessage;
+    int passes = 0;
+    if (kind == 0)
+        QUOR_TRACE(::quor::Low, "if " << kind);
+    else
+        QUOR_TRACE(::quor::Low, "else " << ++passes);
+    switch (kind) {
+        case 0:
+            QUOR_TRACE(::quor::Low, (::std::map<int, int>{{1, 2}, {3, 4}}.size()));
+            break;
+        default:
+            QUOR_TRACE(
+                ::quor::Low, "outer " << [&passes] {
+                    QUOR_TRACE(
+                        ::quor::Low, "inner " << [&passes] {
+                            QUOR_TRACE(::quor::Low, "innermost");
+                            return ++passes;
+                        }());
+                    return ++passes;
+                }());
+    }
+    return passes;
+}
+
+TEST(TraceMacro, IsOneStatementThatMeetsNoNameOfTheHost) {
+    TraceTap trace;
+    TraceFile::GetInstance().SetPrintLine(false);
+    EXPECT_EQ(AmongNeighbours(0), 0);
+    EXPECT_EQ(AmongNeighbours(1L), 3);
+    EXPECT_EQ(trace.News(),
+              "[#: #] if 0\n[#: #] 2\n[#: #] else 1\n[#: #] innermost\n"
+              "[#: #] inner 2\n[#: #] outer 3\n");
+}
+
+TEST(TraceMacro, NamesFileStemAndLineAndIsStrippedAboveTheLevelOfItsSource) {
+    TraceTap trace(Detail);
+    TraceFile::GetInstance().SetPrintFile(true);
+    int evaluated = 0;
+    Stripped(evaluated);
+    EXPECT_EQ(evaluated, 1);
+    EXPECT_EQ(trace.News(), "[#: #] strange.name12345: kept 1\n");
+    EXPECT_STREQ(FileStem("a.b/c").m_text, "c");
+    EXPECT_STREQ(FileStem("a/.b").m_text, ".b");
+}
+
+struct Grouping : std::numpunct<char> {
+    std::string do_grouping() const override { return "\1"; }
+};
+
+TEST(TraceMacro, PrintsNumbersPlainlyWhateverTheLocaleAndTheMessageBefore) {
+    const std::locale previous =
+        std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    {
+        TraceTap trace;
+        TraceWrite(Low, "f", "file", 12345, "x");
+        TraceFile::GetInstance().SetPrintLine(false);
+        QUOR_TRACE(Low, std::hex << std::showbase << std::setfill('*') << 4096);
+        QUOR_TRACE(Low, 123456 << std::setw(3) << 1);
+        EXPECT_EQ(Masked(ReadFile("trace.log")),
+                  TraceOpening("started") + "[#: #] 12345: x\n[#: #] #\n[#: #] 123456  1\n");
+    }
+    std::locale::global(previous);
+}
+
+TEST(TraceMacro, KeepsErrnoAndLetsOutOnlyWhatTheMessageThrows) {
+    TraceTap trace(High);
+    const Redirected errors(STDERR_FILENO, "errors");
+    const auto fail = []() -> const char* { return errno = ENOENT, ""; };
+    const auto fling = [&fail]() -> int { throw fail(); };
+    errno = EXDEV;
+    QUOR_TRACE(Low, fail());
+    EXPECT_THROW(QUOR_TRACE(Low, fling()), const char*);
+    EXPECT_EQ(errno, EXDEV);
+    const ScopedValue full(g_hooks.diskFull, true);
+    { const TraceFnc scope("f", "file", 1); }
+    EXPECT_EQ(errno, EXDEV);
+}
+
+void Drain(int level) {
+#line 76
+    QUOR_TRACE_FNC();
+    TraceFile::GetInstance().SetLevel(static_cast<TraceLevel_e>(level));
+}
+
+TEST(TraceFnc, MarksEntryAndExitEachAsTheGateStandsThen) {
+    TraceTap trace(Medium);
+    for (const TraceLevel_e level : {Medium, High, Detail, Low}) {
+        Drain(level);
+    }
+    const std::string changed = "[#: #] *** Trace level changed to ";
+    const std::string enter = "[#: #]   76: ==> void quor_test::Drain(int)\n";
+    const std::string leave = "[#: #]   76: <== void quor_test::Drain(int)\n";
+    EXPECT_EQ(trace.News(),
+              changed + "3\n" + leave + enter + changed + "4\n" + leave + enter + changed + "1\n");
+}
+
+}  // namespace quor_test
