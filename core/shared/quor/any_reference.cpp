@@ -8,8 +8,7 @@ namespace quor {
 AnyReference::PtrHolder::~PtrHolder() = default;
 
 AnyReference::AnyReference(const AnyReference& other)
-    : m_holder(other.m_holder->Clone()), m_const(other.m_const) {
-}
+    : m_holder(other.m_holder->Clone()), m_const(other.m_const) {}
 
 AnyReference& AnyReference::operator=(const AnyReference& other) {
     m_holder.reset(other.m_holder->Clone());

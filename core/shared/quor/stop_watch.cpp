@@ -9,6 +9,16 @@ constexpr int c_formatReading = Time::eTimeOfDay | Time::eNanoSec;
 constexpr int c_formatStatistics = Time::eUtc | Time::eTimeOfDay | Time::eNanoSec;
 constexpr unsigned long c_mostSeconds = 4'294'967'295;  // no pass is longer
 
+void EndLoop(StopWatch& watch, const Time& now) {
+    watch.m_lastLoop = now - watch.m_loopStart;
+    if (!(watch.m_lastLoop == watch.m_maxLoop) && !(watch.m_lastLoop < watch.m_maxLoop)) {
+        watch.m_maxLoop = watch.m_lastLoop;
+    }
+    if (watch.m_lastLoop < watch.m_minLoop) {
+        watch.m_minLoop = watch.m_lastLoop;
+    }
+}
+
 }  // namespace
 
 StopWatch::StopWatch()
@@ -20,8 +30,7 @@ StopWatch::StopWatch()
       m_loops(0),
       m_minLoop(c_formatStatistics),
       m_maxLoop(c_formatStatistics),
-      m_averageLoop(c_formatStatistics) {
-}
+      m_averageLoop(c_formatStatistics) {}
 
 void StopWatch::Start() {
     m_start = Time::Now(c_formatReading);
@@ -40,7 +49,7 @@ void StopWatch::NextLoop() {
         return;
     }
     const Time now = Time::Now(c_formatReading);
-    EndLoop(now);
+    EndLoop(*this, now);
     m_loopStart = now;
     ++m_loops;
 }
@@ -55,21 +64,11 @@ void StopWatch::Stop() {
     if (m_start == m_loopStart) {
         m_lastLoop = m_minLoop = m_maxLoop = m_averageLoop = m_total;
     } else {
-        EndLoop(now);
+        EndLoop(*this, now);
         const auto divisor = static_cast<std::uint32_t>(m_loops);
         m_averageLoop = divisor != 0 ? m_total / divisor : Time(0, 0);
     }
     m_running = false;
-}
-
-void StopWatch::EndLoop(const Time& now) {
-    m_lastLoop = now - m_loopStart;
-    if (!(m_lastLoop == m_maxLoop) && !(m_lastLoop < m_maxLoop)) {
-        m_maxLoop = m_lastLoop;
-    }
-    if (m_lastLoop < m_minLoop) {
-        m_minLoop = m_lastLoop;
-    }
 }
 
 }  // namespace quor

@@ -42,9 +42,6 @@ public:
     /// The total divided by the low 32 bits of the passes (0 s when these are 0), or the total
     /// itself when no pass began later than the measurement. Set by Stop().
     Time m_averageLoop;
-
-private:
-    void EndLoop(const Time& now);
 };
 
 }  // namespace quor
