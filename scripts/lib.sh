@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034 # what the sourcing scripts use
 # Shared by scripts/demo and scripts/test; sourced, not run.
 
 say() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
@@ -38,6 +39,6 @@ need() {
         give_up "apt-get could not install: ${missing[*]}"
 }
 
-packages_to_build="g++ cmake ninja-build libboost-dev libcli11-dev zlib1g-dev"
-packages_to_test="binutils clang-format libgtest-dev libgmock-dev rcs"
-packages_to_test_all="clang clang-tidy make"
+packages_to_build=(g++ cmake ninja-build libboost-dev libcli11-dev zlib1g-dev)
+packages_to_test=(binutils clang-format libgtest-dev libgmock-dev rcs)
+packages_to_test_all=(clang clang-tidy make)

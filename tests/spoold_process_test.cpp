@@ -41,7 +41,7 @@ protected:
         return names;
     }
 
-    const Folder folder;
+    const Folder m_folder;
 };
 
 TEST_F(SpooldProcess, ReportTellsSizeLinesWordsChecksumAndFirstBytes) {
