@@ -40,9 +40,9 @@ TYPED_TEST(AnyReferenceTo, WritesThroughCopiesAndHolders) {
 
     reference = AnyReference(second);
     reference = static_cast<const AnyReference&>(reference);
-    const AnyReference moved = std::move(reference);
-    EXPECT_EQ(second, TypeParam());  // nothing was written so far
-    reference.Assign(value);         // NOLINT(bugprone-use-after-move): it still refers
+    const AnyReference moved = std::move(reference);  // NOLINT(performance-move-const-arg)
+    EXPECT_EQ(second, TypeParam());                   // nothing was written so far
+    reference.Assign(value);  // NOLINT(bugprone-use-after-move): it still refers
     EXPECT_EQ(second, value);
     moved.Assign(TypeParam());
     EXPECT_EQ(second, TypeParam());

@@ -114,8 +114,8 @@ TEST(Any, IsAValue) {
     EXPECT_EQ(copy.Get<Array<int>>(), million);
     value = std::move(copy);
     EXPECT_EQ(Any(std::move(value)).Size(), million.size());
-    EXPECT_TRUE(copy.Empty() && value.Empty() &&
-                copy.Size() == 1);  // NOLINT(bugprone-use-after-move)
+    // NOLINTNEXTLINE(bugprone-use-after-move)
+    EXPECT_TRUE(copy.Empty() && value.Empty() && copy.Size() == 1);
     value = "text";
     value = Any(value.Value());  // a boost::any gives its value
     EXPECT_EQ(value.Get<std::string>(), "text");

@@ -15,7 +15,7 @@ constexpr EnumRow<Color> c_colors[] = {{Color::eRed, "red"}, {Color::eBlue, "blu
 
 }  // namespace
 
-template <>
+template <>  // NOLINTNEXTLINE(readability-identifier-naming)
 const BiMap<Color> quor::EnumMap<Color>::items{c_colors};
 
 namespace {

@@ -34,7 +34,7 @@ void CheckFields(const std::uint8_t* data) {
     const int march = year + 400 - (month < 3 ? 1 : 0);
     const long long days = march * 365 + march / 4 - march / 100 + march / 400 +
                            (153 * ((month + 9) % 12) + 2) / 5 + day - 1 - 865'565;
-    const long long seconds = days * 86'400 + data[4] % 24 * 3'600 + data[5] % 60 * 60 + second;
+    const long long seconds = days * 86'400 + data[4] % 24 * 3'600LL + data[5] % 60 * 60LL + second;
     const auto held = static_cast<time_t>(seconds);
     quor::Time time(0u);
     const bool failed = Read(text, time).rfind("time overflows\n", 0) == 0;

@@ -71,12 +71,12 @@ private:
 ///     template <>
 ///     const quor::BiMap<Color> quor::EnumMap<Color>::items{c_colors};
 ///
-/// A faulty table ends the process as it is loaded. Names match exactly, byte for byte. A look-up
-/// that finds nothing throws Exception, which says what was not found. Any thread.
+/// (outside all namespaces). A faulty table ends the process as it is loaded. Names match exactly.
+/// A look-up that finds nothing throws Exception, which says what was not found. Any thread.
 template <typename E>
 class EnumMap {
 public:
-    static const BiMap<E> items;
+    static const BiMap<E> items;  // NOLINT(readability-identifier-naming)
 
     static const char* ToName(E value) {
         const auto found = items.ValueToName().find(value);
@@ -108,7 +108,7 @@ private:
 };
 
 template <>
-const BiMap<TraceLevel_e> EnumMap<TraceLevel_e>::items;
+const BiMap<TraceLevel_e> EnumMap<TraceLevel_e>::items;  // NOLINT(readability-identifier-naming)
 
 extern template class BiMap<TraceLevel_e>;
 extern template class EnumMap<TraceLevel_e>;

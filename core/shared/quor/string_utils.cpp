@@ -27,7 +27,7 @@ void AppendHexColumn(std::string& dump, const unsigned char* line, unsigned int 
         dump += digits[line[index] & 0xF];
         dump += ' ';
     }
-    dump.append(3 * (width - count), ' ');
+    dump.append(std::size_t{3} * (width - count), ' ');
 }
 
 void AppendTextColumn(std::string& dump, const unsigned char* line, unsigned int count) {
