@@ -64,15 +64,15 @@ private:
 };
 
 /// The look-ups of one enumeration. The library holds the table of TraceLevel_e; a host defines its
-/// own in one source file, and declares it (the last two lines, without the braces) in the header
-/// of the enumeration when other files use it too:
+/// own in one source file, outside all namespaces, and declares it (the last two lines, without the
+/// braces) in the header of the enumeration when other files use it too:
 ///
 ///     const quor::EnumRow<Color> c_colors[] = {{Red, "red"}, {Blue, "blue"}};
 ///     template <>
 ///     const quor::BiMap<Color> quor::EnumMap<Color>::items{c_colors};
 ///
-/// (outside all namespaces). A faulty table ends the process as it is loaded. Names match exactly.
-/// A look-up that finds nothing throws Exception, which says what was not found. Any thread.
+/// A faulty table ends the process as it is loaded. Names match exactly. A look-up that finds
+/// nothing throws Exception, which says what was not found. Any thread.
 template <typename E>
 class EnumMap {
 public:
