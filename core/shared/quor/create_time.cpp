@@ -1,0 +1,32 @@
+#include <quor/create_time.h>
+
+#include <quor/exception.h>
+
+namespace quor {
+namespace {
+
+const char* const c_timeFormat = "%Y-%m-%d %H:%M:%S";
+
+}  // namespace
+
+Time CreateTime(const std::string& text) {
+    tm fields{};
+    if (strptime(text.c_str(), c_timeFormat, &fields) == nullptr) {
+        throw Exception("invalid time format", true);
+    }
+    fields.tm_isdst = -1;  // strptime leaves it at winter time
+    const time_t seconds = mktime(&fields);
+    if (seconds == -1) {
+        throw Exception(
+            "time overflows\n"
+            "maximum time is 2038-01-19 for (32bit OS)\n"
+            "                2106-02-07 for (64bit OS)",
+            true);
+    }
+    Time time(static_cast<unsigned long>(seconds), 0);
+    time.m_format = Time::eDate | Time::eTimeOfDay;
+    time.m_textStale = true;
+    return time;
+}
+
+}  // namespace quor

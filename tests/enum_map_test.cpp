@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+#include <quor/enum_map.h>
+
+#include "thrown.h"
+
+using namespace quor_test;
+using namespace std::string_literals;
+using quor::BiMap;
+using quor::EnumRow;
+
+namespace {
+
+enum class Color { eRed = -1, eBlue = 7 };
+constexpr EnumRow<Color> c_colors[] = {{Color::eRed, "red"}, {Color::eBlue, "blue"}};
+
+}  // namespace
+
+template <>  // NOLINTNEXTLINE(readability-identifier-naming)
+const BiMap<Color> quor::EnumMap<Color>::items{c_colors};
+
+namespace {
+
+using Colors = quor::EnumMap<Color>;
+using Levels = quor::EnumMap<quor::TraceLevel_e>;
+
+TEST(EnumMap, HoldsTheTraceLevels) {
+    int level = 0;
+    for (const char* name : {"Off", "Low", "Medium", "High", "Detail"}) {
+        EXPECT_STREQ(Levels::ToName(static_cast<quor::TraceLevel_e>(level)), name);
+        EXPECT_STREQ(Levels::ToName(level), name);
+        EXPECT_EQ(Levels::ToValue(name), level++);
+    }
+    EXPECT_EQ(Levels::items.ValueToName().size(), 5u);
+    EXPECT_EQ(Levels::items.NameToValue().size(), 5u);
+    EXPECT_EQ(Levels::items.IntToName().size(), 5u);
+}
+
+TEST(EnumMap, LooksUpValuesAndNamesExactly) {
+    EXPECT_STREQ(Colors::ToName(Color::eRed), "red");
+    EXPECT_STREQ(Colors::ToName(-1), "red");
+    EXPECT_EQ(Colors::ToValue("blue"), Color::eBlue);
+    for (const std::string& name : {"medium"s, "Medium "s, "Medium\0"s, ""s}) {
+        EXPECT_STREQ(Thrown([&] { Levels::ToValue(name); }).c_str(),
+                     ("no enumeration value has the name \"" + name + "\"").c_str());
+    }
+    EXPECT_EQ(Thrown([] { Levels::ToName(5); }), "no name for the enumeration value 5");
+    EXPECT_EQ(Thrown([] { Colors::ToName(Color{-2}); }), "no name for the enumeration value -2");
+}
+
+TEST(BiMap, KeepsFirstRowsAndRefusesTwoNamesOfAValueOrTwoValuesOfAName) {
+    constexpr EnumRow<Color> names[] = {{Color::eRed, "red"}, {Color::eRed, "rouge"}};
+    constexpr EnumRow<Color> values[] = {{Color::eRed, "red"}, {Color::eBlue, "red"}};
+    constexpr EnumRow<Color> both[] = {names[0], names[1], values[1]};
+    EXPECT_EQ(Thrown([&] { BiMap<Color>{names}; }), "invalid enum description table");
+    EXPECT_EQ(Thrown([&] { BiMap<Color>{values}; }), "invalid enum description table");
+    const BiMap<Color> map(both);
+    EXPECT_STREQ(map.ValueToName().at(Color::eRed), "red");
+    EXPECT_STREQ(map.IntToName().at(-1), "red");
+    EXPECT_EQ(map.NameToValue().at("red"), Color::eRed);
+    EXPECT_EQ(map.NameToValue().at("rouge"), Color::eRed);
+}
+
+}  // namespace
