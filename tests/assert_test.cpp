@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <regex>
+#include <sstream>
 #include <thread>
 
 // The library's code once more, for a folder of the test.
@@ -19,12 +19,13 @@
 
 namespace quor_test {
 
-// Deep in the stack. Neither a loop nor a jump.
+// Fails deep in the stack, where the compiler expects neither a loop nor a jump nor the end.
+void (*volatile g_assert)(const char*, int, const char*, const char*) = quor::LoggedAssertInReports;
 __attribute__((noinline)) void Fail(int depth) {
     if (depth > 0) {
         Fail(depth - 1);
     } else {
-        quor::LoggedAssertInReports("spool.cpp", 52, "void Drain()", "queue not empty");
+        g_assert("spool.cpp", 52, "void Drain()", "queue not empty");
     }
     __asm__ volatile("");
 }
@@ -32,7 +33,14 @@ __attribute__((noinline)) void Fail(int depth) {
 namespace {
 
 std::string MaskedStack(const std::string& file) {
-    return std::regex_replace(Masked(ReadFile(file)), std::regex(R"((\d+\. ).*quor.*)"), "$1#");
+    std::istringstream lines(Masked(ReadFile(file)));
+    std::string text;
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t digits = line.find_first_not_of("0123456789");
+        const bool isEntry = digits > 0 && digits < line.size() && line.find(". ") == digits;
+        text += (isEntry ? line.substr(0, digits) + ". #" : line) + "\n";
+    }
+    return text;
 }
 
 std::string Expected(const std::string& before, const std::string& after) {
