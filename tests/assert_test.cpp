@@ -14,7 +14,7 @@
 #define LoggedAssert LoggedAssertInReports
 #undef QUOR_ASSERT_DIRECTORY
 #define QUOR_ASSERT_DIRECTORY "reports"
-#include "../core/shared/quor/assert.cpp"
+#include "../core/shared/quor/assert.cpp"  // NOLINT(bugprone-suspicious-include)
 #undef LoggedAssert
 
 namespace quor_test {

@@ -67,7 +67,7 @@ TEST(ThreadController, MovesAsItsTableSays) {
             EXPECT_EQ(e.what(), "c" + texts.at(key) + state);
             outcome = std::string("0 exception: ** Thrown quor::Exception: ") + e.what() + "\n";
         }
-        EXPECT_EQ(outcome == "", key == 'm') << pair;
+        EXPECT_EQ(outcome.empty(), key == 'm') << pair;
         EXPECT_EQ(ThreadTap::Lines("thread_controller"), outcome) << pair;
         EXPECT_EQ(controller.m_state, key == 'm' ? wanted : current) << pair;
     }

@@ -15,7 +15,7 @@ namespace quor {
 class Synchronizer {
 public:
     /// The longest that Wait() may take in all, in milliseconds.
-    static constexpr unsigned int MaxTimeout = 10000;
+    static constexpr unsigned int MaxTimeout = 10000;  // NOLINT(readability-identifier-naming)
 
     /// `iterations` waits of `timeoutMs` milliseconds each. Throws Exception when their product, in
     /// unsigned 32-bit arithmetic, exceeds MaxTimeout.

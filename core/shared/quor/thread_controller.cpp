@@ -53,6 +53,8 @@ ThreadController::ThreadController(std::string name, LoopFnc loopFnc, CancelLoop
     }
 }
 
+// It asks only for transitions that are allowed, and m_destroying keeps the rest inside.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 ThreadController::~ThreadController() {
     std::unique_lock<std::mutex> lock(m_mutex);
     m_destroying = true;

@@ -48,7 +48,7 @@ public:
     ThreadController& operator=(const ThreadController&) = delete;
     /// Stops the loop, and waits until no thread that an asynchronous operation started needs the
     /// controller any more. Not to be called from the loop.
-    ~ThreadController();
+    ~ThreadController();  // NOLINT(bugprone-exception-escape): see its definition
 
     /// Completes a stop in progress, then starts a stopped controller and returns when its loop
     /// thread has taken over. Returns true.
