@@ -47,7 +47,7 @@ TEST(StopWatch, MeasuresPassesTheirExtremesAndTheirAverage) {
 }
 
 TEST(StopWatch, PrintsInUtcBeforeTheFirstStartAndInLocalTimeAfterIt) {
-    const ScopedZone zone("XXX-5");
+    const ScopedZone zone("ABC-5");
     const FakeClock clock(1'000);
     quor::StopWatch watch;
     const auto printed = [&] {

@@ -14,7 +14,8 @@ namespace quor {
 /// leaves open, like the other standard streams and the working directory.
 ///
 /// Nothing is locked: for the main thread, at start-up and shut-down. Throws nothing of its own.
-/// Children that the daemon forks leave by _exit() or exec.
+/// Children that the daemon forks leave by _exit() or exec. A trace that was started before Start()
+/// carries the id of the process that ended there.
 class Daemon {
 public:
     Daemon(const Daemon&) = delete;

@@ -20,7 +20,10 @@ namespace quor {
 ///     ** in: program(Drain(Spool&)) [0x4021d0]
 ///
 /// The place is the function that built the exception; with the trace's stack dump on, the whole
-/// stack is written instead. The library sets `log` for everything it throws.
+/// stack is written instead. The library sets `log` for everything it throws. The place has a name
+/// when the program is linked with -rdynamic (CMake: ENABLE_EXPORTS), its function does not stand
+/// in an unnamed namespace, and GCC, when it optimises, is kept from moving throws away
+/// (-fno-reorder-blocks-and-partition).
 ///
 /// Building one never fails: when memory is short the text is cut, and the report left out. Any
 /// thread; takes the trace file's mutex for the report only. Keeps errno.
