@@ -12,6 +12,7 @@ namespace quor_test {
 namespace {
 
 using Names = std::set<std::string>;
+using testing::AllOf;
 using testing::HasSubstr;
 
 // Runs the example; it has the folders of a spool, and its standard error goes to the file "error".
@@ -28,7 +29,13 @@ protected:
         const std::string command = "exec '" QUOR_TEST_SPOOLD "' " + options + " 2>error >out";
         return Child([&](Pipe&) { execl("/bin/sh", "sh", "-c", command.c_str(), nullptr); });
     }
-    static Child StartWaiting() { return Start("--spool spool --log log --trace trace"); }
+    static Child StartWaiting() {
+        return Start("--spool spool --log log --trace trace --foreground");
+    }
+    static void Drop(const std::string& name) {
+        Write("spool/." + name, name);
+        std::filesystem::rename("spool/." + name, "spool/" + name);
+    }
     static int Drain() { return Start("--spool spool --log log --once").Exit(); }
     static void Write(const std::string& name, const std::string& text) {
         std::ofstream(name, std::ios::binary) << text;
@@ -128,20 +135,61 @@ TEST_F(SpooldProcess, WaitsForDropsKeepsOthersOutAndStopsInOrder) {
     WaitForText("trace", "Waiting");
     EXPECT_EQ(Drain(), 1);
     EXPECT_EQ(ReadFile("error"), "spoold: Another spoold holds 'spool'\n");
-    Write("spool/.late", "");
-    std::filesystem::rename("spool/.late", "spool/late");
+    Drop("late");
     WaitForText("trace", "Done: 'late'");
     kill(spoold.pid, SIGTERM);
     EXPECT_EQ(spoold.Exit(), 0);
     EXPECT_THAT(ReadFile("trace"), HasSubstr("Trace stopped"));
 }
 
+TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
+    Child spoold =
+        Start("--spool spool --pid-file pid --log log --trace trace --level medium --workers 3");
+    WaitForText("trace", "Waiting");
+    const pid_t daemon = std::stoi(ReadFile("pid"));
+    EXPECT_NE(daemon, spoold.pid);
+    EXPECT_EQ(spoold.Exit(), 0);
+    std::filesystem::rename("trace", "rotated");
+    Write("trace", "");
+    for (const auto& [number, effect] : {std::pair(SIGUSR1, "Trace level 3"),
+                                         {SIGUSR2, "Trace level 2"},
+                                         {SIGUSR2, "Trace level 1"},
+                                         {SIGHUP, "Trace opened anew at level 2"}}) {
+        kill(daemon, number);
+        WaitForText("log", effect);
+    }
+    Drop("late");
+    WaitForText("trace", "Done: 'late'");
+    kill(daemon, SIGTERM);
+    spoold.AwaitHangUp();
+    EXPECT_FALSE(std::filesystem::exists("pid"));
+    EXPECT_EQ(ReadFile("out") + ReadFile("error"), "");
+    EXPECT_THAT(ReadFile("log"), HasSubstr("Stopped; done: 1, failed: 0"));
+    EXPECT_THAT(ReadFile("rotated"), AllOf(HasSubstr("worker-3: START"), HasSubstr("stopped *")));
+    EXPECT_THAT(ReadFile("trace"), AllOf(HasSubstr("worker-3: DESTROYED"), HasSubstr("stopped *")));
+}
+
+TEST_F(SpooldProcess, EndsWhenTheSpoolIsBrokenAndKeepsTheFileInHand) {
+    Child spoold = StartWaiting();
+    WaitForText("trace", "Waiting");
+    std::filesystem::rename("spool/done", "gone");
+    Drop("late");
+    EXPECT_EQ(spoold.Exit(), 1);
+    EXPECT_THAT(ReadFile("error"), HasSubstr("spoold: Cannot write 'spool/done/late.report'"));
+    EXPECT_THAT(ReadFile("log"), HasSubstr("Critical: Cannot write 'spool/done/late.report'"));
+    EXPECT_EQ(ReadFile("spool/work/late"), "late");
+}
+
 TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
     for (const auto& [options, error] :
-         {std::pair("--spool spool --log none/log", "spoold: Cannot write the log 'none/log'"),
-          std::pair("--spool spool --trace full --trace-dir /dev", "Cannot write the trace 'full'"),
-          std::pair("--spool spool --onec", "was not expected: --onec")}) {
-        EXPECT_GT(Start(options).Exit(), 0) << options;
+         {std::pair("--foreground --log none/log", "spoold: Cannot write the log 'none/log'"),
+          {"--foreground --trace full --trace-dir /dev", "Cannot write the trace 'full'"},
+          {"--log log", "spoold: A daemon needs --pid-file, or --foreground"},
+          {"--pid-file pid", "spoold: A daemon needs --log, or --foreground"},
+          {"--pid-file none/pid --log log", "spoold: Cannot write 'none/pid', given by --pid-file"},
+          {"--pid-file pid --log spool", "spoold: Cannot write 'spool', given by --log"},
+          {"--onec", "was not expected: --onec"}}) {
+        EXPECT_GT(Start(std::string("--spool spool ") + options).Exit(), 0) << options;
         EXPECT_THAT(ReadFile("error"), HasSubstr(error));
     }
 }

@@ -1,61 +1,95 @@
+#include <quor/daemon.h>
 #include <quor/exception.h>
 #include <quor/log.h>
+#include <quor/signal_handler.h>
+#include <quor/thread_controller.h>
 #include <quor/trace.h>
-#include <quor/ver_info.h>
 
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <string>
 
-#include "build_info.h"
 #include "options.h"
+#include "reporting.h"
+#include "signals.h"
 #include "spool.h"
 #include "spooler.h"
+#include "stop_request.h"
 #include "text.h"
 #include "watch.h"
+#include "workers.h"
 
 namespace spoold {
 
-// Before any thread, and before anything that logs or traces.
-void StartReporting(const Options& options) {
-    quor::VerInfo::Init(c_major, c_minor, c_build, c_revision, c_label, c_compiler, c_buildTime,
-                        c_buildMachine, c_buildUser);
-    if (!options.m_log.empty() && !quor::Log::Init(options.m_log)) {
-        throw quor::Exception("Cannot write the log " + Quoted(options.m_log), true);
-    }
-    if (options.m_trace.empty() || options.m_level == quor::Off) {
-        return;
-    }
-    quor::TraceFile::Init(options.m_trace, options.m_traceDir);
-    quor::TraceFile::GetInstance().SetLevel(options.m_level);
-    if (!quor::TraceFile::GetInstance().IsActive()) {
-        throw quor::Exception("Cannot write the trace " + Quoted(options.m_trace), true);
+// One pass of the scan loop.
+void ScanAndWait(Spooler& spooler, const Watch& watch, StopRequest& stop) {
+    try {
+        spooler.Scan();
+        watch.Wait();
+    } catch (const std::exception& error) {
+        stop.Fail(error.what());
+        throw;  // ends the loop; the library traces it
     }
 }
 
-void Work(const Options& options) {
+// Runs the program's threads until a stop is requested, and ends them in the order in which none
+// misses what it uses.
+void Serve(const Options& options, Spool& spool) {
     QUOR_TRACE_FNC();
-    const Spool spool(options.m_spool);
-    const Watch watch(options.m_spool);
-    Spooler spooler(spool, watch);
-    quor::Log::GetInstance().Info("Started on " + Quoted(options.m_spool));
-    spooler.Recover();
-    spooler.Drain();
-    while (!options.m_once && !watch.StopRequested()) {
-        watch.Wait();
-        spooler.Drain();
+    StopRequest stop;
+    Spooler spooler(spool, stop);
+    Workers workers(spooler, stop);
+    // Shared: calls of the cancel function may outlive the controller for a moment.
+    const auto watch = std::make_shared<const Watch>(options.m_spool);
+    quor::ThreadController scan(
+        "scan", [&spooler, &stop, watch] { ScanAndWait(spooler, *watch, stop); },
+        [watch] { watch->Wake(); });
+    Signals signals(options, stop);
+    const std::unique_ptr<quor::SignalHandlerThread> signalThread(
+        quor::SignalHandlerThread::InstallHandler(signals, Signals::c_numbers));
+    try {
+        quor::Log::GetInstance().Info("Started on " + Quoted(options.m_spool));
+        spooler.Recover();
+        if (options.m_once) {
+            spooler.Drain();
+        } else {
+            workers.Start(options.m_workers);
+            scan.Start();
+            stop.Await();
+        }
+    } catch (const std::exception& error) {
+        stop.Fail(error.what());
     }
+    signalThread->Stop();
+    workers.TerminateAll();
+    scan.Stop();
     quor::Log::GetInstance().Info("Stopped; " + spooler.Summary());
     if (options.m_once && spooler.Refused() > 0) {
-        throw quor::Exception("Not drained; " + spooler.Summary(), true);
+        stop.Fail("Not drained; " + spooler.Summary());
+    }
+    if (!stop.Failure().empty()) {
+        throw quor::Exception(stop.Failure(), true);
+    }
+}
+
+// What is wrong up to here is said on the terminal, and nothing has been touched.
+void Daemonise(const Options& options) {
+    CheckDaemonFiles(options);
+    if (quor::Daemon::Instance().Start(options.m_pidFile) != 0) {
+        throw quor::Exception("Cannot become a daemon", true);
     }
 }
 
 void Run(const Options& options) {
+    Spool spool(options.m_spool);  // its lock goes along into the daemon
+    if (options.IsDaemon()) {
+        Daemonise(options);
+    }
     try {
         StartReporting(options);
-        Work(options);
+        Serve(options, spool);
     } catch (const std::exception& error) {
         quor::Log::GetInstance().Critical(error.what());
         throw;

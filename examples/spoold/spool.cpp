@@ -68,8 +68,9 @@ Spool::Spool(const std::string& folder)
     }
 }
 
-std::string Spool::Take(const std::string& name) const {
+std::string Spool::Take(const std::string& name) {
     QUOR_TRACE_FNC();
+    const std::lock_guard<std::mutex> lock(m_taking);
     std::string freeName = FreeName(name);
     if (rename((m_folder + name).c_str(), WorkPath(freeName).c_str()) == 0) {
         QUOR_TRACE(quor::Low, "Taken: " << Quoted(name) << " as " << Quoted(freeName));
@@ -130,6 +131,7 @@ std::string Spool::FreeName(const std::string& name) const {
     return freeName;
 }
 
+// In the order in which a file moves, so that one that moves meanwhile is seen.
 bool Spool::IsFree(const std::string& name) const {
     return !Exists(WorkPath(name)) && !Exists(m_done + name) && !Exists(m_failed + name) &&
            !HasReport(name);

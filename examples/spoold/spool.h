@@ -1,6 +1,7 @@
 #ifndef SPOOLD_SPOOL_H
 #define SPOOLD_SPOOL_H
 
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,7 @@ namespace spoold {
 /// Taken() and goes through the same steps again. The name under which a file is taken is free in
 /// all rooms and stays its name to the end.
 ///
-/// Not synchronised: one thread takes; other threads may Finish() and Fail() what was taken.
-/// All operations throw quor::Exception when the system refuses.
+/// Any thread. All operations throw quor::Exception when the system refuses.
 class Spool {
 public:
     /// Makes the rooms where they are missing and locks the spool, or throws when another process
@@ -26,7 +26,7 @@ public:
     Spool& operator=(const Spool&) = delete;
 
     /// Moves a waiting file to work/. Returns its name from now on, empty when the file is gone.
-    std::string Take(const std::string& name) const;
+    std::string Take(const std::string& name);
     /// Moves a taken file, whose report is there, to done/.
     void Finish(const std::string& name) const;
     /// Moves a taken file to failed/.
@@ -54,6 +54,7 @@ private:
     const std::string m_done;
     const std::string m_failed;
     const File m_lock;
+    std::mutex m_taking;  // a free name stays free until it is used
 };
 
 }  // namespace spoold

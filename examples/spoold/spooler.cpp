@@ -4,14 +4,16 @@
 #include <quor/log.h>
 #include <quor/trace.h>
 
-#include <vector>
+#include <algorithm>
+#include <iterator>
 
 #include "examine.h"
 #include "report.h"
 #include "text.h"
 
 namespace spoold {
-Spooler::Spooler(const Spool& spool, const Watch& watch) : m_spool(spool), m_watch(watch) {}
+
+Spooler::Spooler(Spool& spool, const StopRequest& stop) : m_spool(spool), m_stop(stop) {}
 
 void Spooler::Recover() {
     QUOR_TRACE_FNC();
@@ -21,66 +23,93 @@ void Spooler::Recover() {
                                          std::to_string(names.size()));
     }
     for (const std::string& name : names) {
-        if (m_watch.StopRequested()) {
+        if (m_stop.IsRequested()) {
             return;
         }
         Process(name);
     }
 }
 
+// A name may be listed again while a worker has it in hand: whoever takes it then finds it gone.
+void Spooler::Scan() {
+    QUOR_TRACE_FNC();
+    const std::vector<std::string> names = m_spool.Waiting();
+    QUOR_TRACE(quor::Medium, "Scan: " << names.size() << " waiting");
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_listed.assign(names.begin(), names.end());
+    std::set<std::string> stillThere;
+    std::set_intersection(m_refused.begin(), m_refused.end(), names.begin(), names.end(),
+                          std::inserter(stillThere, stillThere.end()));
+    m_refused.swap(stillThere);
+}
+
+bool Spooler::ProcessNext() {
+    const std::string name = m_stop.IsRequested() ? std::string() : NextListed();
+    if (name.empty()) {
+        return false;
+    }
+    const std::string taken = Take(name);
+    if (!taken.empty()) {
+        Process(taken);
+    }
+    return true;
+}
+
 void Spooler::Drain() {
     QUOR_TRACE_FNC();
-    while (TakeAll()) {
-    }
+    std::size_t listed = 0;
+    do {
+        Scan();
+        listed = 0;
+        while (ProcessNext()) {
+            ++listed;
+        }
+    } while (listed > Refused());
+}
+
+std::size_t Spooler::Refused() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_refused.size();
 }
 
 std::string Spooler::Summary() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return "done: " + std::to_string(m_done) + ", failed: " + std::to_string(m_failed) +
            ", could not be taken: " + std::to_string(m_refused.size());
 }
 
-// True when anything was taken: more may have been dropped meanwhile.
-bool Spooler::TakeAll() {
-    const std::vector<std::string> names = m_spool.Waiting();
-    QUOR_TRACE(quor::Medium, "Scan: " << names.size() << " waiting");
-    std::set<std::string> refused;
-    bool anyTaken = false;
-    for (const std::string& name : names) {
-        if (m_watch.StopRequested()) {
-            return false;
-        }
-        anyTaken = TakeOne(name, refused) || anyTaken;
+// Empty when there is none.
+std::string Spooler::NextListed() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::string name;
+    if (!m_listed.empty()) {
+        name.swap(m_listed.front());
+        m_listed.pop_front();
     }
-    m_refused = refused;
-    return anyTaken;
+    return name;
 }
 
-// False when there was nothing to take, or it could not be taken.
-bool Spooler::TakeOne(const std::string& name, std::set<std::string>& refused) {
-    std::string taken;
+// The name from now on; empty when the file is gone, or could not be taken.
+std::string Spooler::Take(const std::string& name) {
     try {
-        taken = m_spool.Take(name);
+        return m_spool.Take(name);
     } catch (const quor::Exception& error) {
-        refused.insert(name);
-        if (m_refused.count(name) == 0) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_refused.insert(name).second) {
             quor::Log::GetInstance().Error(error.what());
         }
+        return {};
     }
-    if (taken.empty()) {
-        return false;
-    }
-    Process(taken);
-    return true;
 }
 
 void Spooler::Process(const std::string& name) {
     QUOR_TRACE_FNC();
     if (m_spool.HasReport(name) || Report(name)) {
         m_spool.Finish(name);
-        ++m_done;
+        Count(m_done);
     } else {
         m_spool.Fail(name);
-        ++m_failed;
+        Count(m_failed);
     }
 }
 
@@ -95,6 +124,11 @@ bool Spooler::Report(const std::string& name) {
     }
     WriteReport(m_spool.GrowingReportPath(name), m_spool.ReportPath(name), text);
     return true;
+}
+
+void Spooler::Count(unsigned long& counter) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    ++counter;
 }
 
 }  // namespace spoold

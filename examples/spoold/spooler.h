@@ -1,44 +1,54 @@
 #ifndef SPOOLD_SPOOLER_H
 #define SPOOLD_SPOOLER_H
 
+#include <deque>
+#include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "spool.h"
-#include "watch.h"
+#include "stop_request.h"
 
 namespace spoold {
 
 /// Takes what was dropped, file by file, and sees each to its end.
 ///
 /// What is wrong with a file goes to the log, and the program goes on. What is wrong with the spool
-/// (a full disk, a room that is gone) is thrown as quor::Exception and ends the program; the file
-/// in hand waits in work/ for the next start.
+/// (a full disk, a room that is gone) is thrown as quor::Exception and is to end the program; the
+/// file in hand waits in work/ for the next start. Any thread.
 class Spooler {
 public:
-    /// Both must outlive the spooler.
-    Spooler(const Spool& spool, const Watch& watch);
+    /// Both must outlive the spooler. No file is begun once `stop` is requested.
+    Spooler(Spool& spool, const StopRequest& stop);
     Spooler(const Spooler&) = delete;
     Spooler& operator=(const Spooler&) = delete;
 
-    /// Finishes what an earlier run had taken.
+    /// Finishes what an earlier run had taken. Before any ProcessNext().
     void Recover();
-    /// Takes and finishes files until none waits or the program is to stop.
+    /// Lists the waiting files for ProcessNext(), anew each time.
+    void Scan();
+    /// Takes and finishes one listed file; false when there is none, or the program is to stop.
+    bool ProcessNext();
+    /// Scans and processes until nothing can be taken any more.
     void Drain();
 
-    /// Files that the last scan could not take.
-    std::size_t Refused() const { return m_refused.size(); }
+    /// Files that were listed last and could not be taken.
+    std::size_t Refused() const;
     /// How many files came to which end, for the log.
     std::string Summary() const;
 
 private:
-    bool TakeAll();
-    bool TakeOne(const std::string& name, std::set<std::string>& refused);
+    std::string NextListed();
+    std::string Take(const std::string& name);
     void Process(const std::string& name);
     bool Report(const std::string& name);
+    void Count(unsigned long& counter);
 
-    const Spool& m_spool;
-    const Watch& m_watch;
+    Spool& m_spool;
+    const StopRequest& m_stop;
+    mutable std::mutex m_mutex;  // guards the rest
+    std::deque<std::string> m_listed;
     std::set<std::string> m_refused;  // logged once, tried at every scan
     unsigned long m_done = 0;
     unsigned long m_failed = 0;

@@ -3,11 +3,10 @@
 #include <poll.h>
 #include <quor/exception.h>
 #include <quor/trace.h>
+#include <sys/eventfd.h>
 #include <sys/inotify.h>
-#include <sys/signalfd.h>
 
 #include <cerrno>
-#include <csignal>
 
 #include "text.h"
 
@@ -19,20 +18,12 @@ constexpr int c_rescanMs = 5000;
 // Not IN_CREATE: it would wake us for a file that is just being written.
 constexpr uint32_t c_dropEvents = IN_MOVED_TO | IN_CLOSE_WRITE | IN_ONLYDIR;
 
-int OpenStopSignals() {
-    sigset_t stopSignals;
-    sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGINT);
-    sigaddset(&stopSignals, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
-    return signalfd(-1, &stopSignals, SFD_CLOEXEC);
-}
-
 }  // namespace
 
 Watch::Watch(const std::string& folder)
-    : m_signals(OpenStopSignals()), m_drops(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-    if (!m_signals.IsOpen() || !m_drops.IsOpen() ||
+    : m_drops(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)),
+      m_wakes(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (!m_drops.IsOpen() || !m_wakes.IsOpen() ||
         inotify_add_watch(m_drops.Fd(), folder.c_str(), c_dropEvents) == -1) {
         throw quor::Exception(SystemError("Cannot watch " + Quoted(folder)), true);
     }
@@ -40,7 +31,7 @@ Watch::Watch(const std::string& folder)
 
 void Watch::Wait() const {
     QUOR_TRACE(quor::Low, "Waiting");
-    pollfd sources[] = {{m_signals.Fd(), POLLIN, 0}, {m_drops.Fd(), POLLIN, 0}};
+    pollfd sources[] = {{m_drops.Fd(), POLLIN, 0}, {m_wakes.Fd(), POLLIN, 0}};
     if (poll(sources, 2, c_rescanMs) < 0 && errno != EINTR) {
         throw quor::Exception(SystemError("Cannot wait"), true);
     }
@@ -48,12 +39,12 @@ void Watch::Wait() const {
     char events[4096];
     while (read(m_drops.Fd(), events, sizeof(events)) > 0) {
     }
+    eventfd_t wakes = 0;
+    eventfd_read(m_wakes.Fd(), &wakes);
 }
 
-// The signal stays pending, so the answer stays the same.
-bool Watch::StopRequested() const {
-    pollfd source = {m_signals.Fd(), POLLIN, 0};
-    return poll(&source, 1, 0) > 0;
+void Watch::Wake() const {
+    eventfd_write(m_wakes.Fd(), 1);
 }
 
 }  // namespace spoold

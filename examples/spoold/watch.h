@@ -7,24 +7,23 @@
 
 namespace spoold {
 
-/// Wakes the program when a file is dropped or when it is to stop: SIGINT and SIGTERM, which are
-/// blocked from here on and only read where the program is ready to end.
+/// Wakes the scan when a file is dropped, or when it is to end.
 ///
-/// Build it before the first scan and before any thread. A drop that comes during a scan ends the
-/// next Wait() at once. Throws quor::Exception.
+/// Build it before the first scan: a drop that comes during a scan ends the next Wait() at once,
+/// and so does a Wake(). Wait() is for one thread, Wake() for any. Throws quor::Exception.
 class Watch {
 public:
     explicit Watch(const std::string& folder);
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
-    /// Sleeps until there may be something to take, or the program is to stop.
+    /// Sleeps until there may be something to take, or Wake() was called.
     void Wait() const;
-    bool StopRequested() const;
+    void Wake() const;
 
 private:
-    const File m_signals;
     const File m_drops;
+    const File m_wakes;
 };
 
 }  // namespace spoold

@@ -1,0 +1,46 @@
+#include "reporting.h"
+
+#include <quor/exception.h>
+#include <quor/log.h>
+#include <quor/trace.h>
+#include <quor/ver_info.h>
+
+#include <algorithm>
+#include <string>
+
+#include "build_info.h"
+#include "text.h"
+
+namespace spoold {
+
+void StartReporting(const Options& options) {
+    quor::VerInfo::Init(c_major, c_minor, c_build, c_revision, c_label, c_compiler, c_buildTime,
+                        c_buildMachine, c_buildUser);
+    if (!options.m_log.empty() && !quor::Log::Init(options.m_log)) {
+        throw quor::Exception("Cannot write the log " + Quoted(options.m_log), true);
+    }
+    if (options.m_trace.empty()) {
+        return;
+    }
+    quor::TraceFile::Init(options.m_trace, options.m_traceDir);
+    quor::TraceFile::GetInstance().SetLevel(options.m_level);
+    if (options.m_level != quor::Off && !quor::TraceFile::GetInstance().IsActive()) {
+        throw quor::Exception("Cannot write the trace " + Quoted(options.m_trace), true);
+    }
+}
+
+void ReopenTrace(quor::TraceLevel_e level) {
+    quor::TraceFile& trace = quor::TraceFile::GetInstance();
+    trace.Stop();
+    trace.SetLevel(level);  // starts the trace, unless the level is the same as before
+    trace.Start(level);
+    quor::Log::GetInstance().Info("Trace opened anew at level " + std::to_string(level));
+}
+
+void ChangeTraceLevel(int step) {
+    const int level = std::clamp<int>(quor::TraceActiveLevel() + step, quor::Off, quor::Detail);
+    quor::TraceFile::GetInstance().SetLevel(static_cast<quor::TraceLevel_e>(level));
+    quor::Log::GetInstance().Info("Trace level " + std::to_string(level));
+}
+
+}  // namespace spoold

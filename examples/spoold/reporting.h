@@ -1,0 +1,23 @@
+#ifndef SPOOLD_REPORTING_H
+#define SPOOLD_REPORTING_H
+
+#include <quor/trace_level.h>
+
+#include "options.h"
+
+namespace spoold {
+
+/// Starts log and trace as the options say. After daemonising, whose process id they carry, and
+/// before any thread. Throws quor::Exception when a file cannot be written.
+void StartReporting(const Options& options);
+
+/// Lets go of the trace file, which may have been renamed, and opens it again at `level`. Lines
+/// that other threads trace meanwhile are lost.
+void ReopenTrace(quor::TraceLevel_e level);
+
+/// Raises or lowers the level of the trace by `step`, within Off and Detail.
+void ChangeTraceLevel(int step);
+
+}  // namespace spoold
+
+#endif
