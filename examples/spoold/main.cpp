@@ -74,7 +74,7 @@ void Serve(const Options& options, Spool& spool) {
     }
 }
 
-// What is wrong up to here is said on the terminal, and nothing has been touched.
+// What is wrong up to here is told on the terminal.
 void Daemonise(const Options& options) {
     CheckDaemonFiles(options);
     if (quor::Daemon::Instance().Start(options.m_pidFile) != 0) {

@@ -5,21 +5,26 @@
 #include <quor/worker_thread.h>
 
 #include <exception>
+#include <string>
 
 namespace spoold {
+namespace {
 
 // An idle worker looks for work once per slice; Stop() ends a slice early.
 constexpr unsigned long c_sliceNs = 50'000'000;
 constexpr unsigned int c_readyIterations = 10;
 constexpr unsigned int c_readyTimeoutMs = 1000;
 
+}  // namespace
+
 class Worker : public quor::WorkerThread {
 public:
     Worker(const std::string& name, Spooler& spooler, StopRequest& stop, quor::Synchronizer& ready)
-        : WorkerThread(name), m_spooler(spooler), m_stop(stop), m_ready(ready) {}
+        : WorkerThread(name), m_label(name), m_spooler(spooler), m_stop(stop), m_ready(ready) {}
 
 protected:
     void Main() override {
+        QUOR_TRACE(quor::Low, "At work: " << m_label);  // shows which thread it is
         m_ready.Decrement();
         try {
             while (!StopRequested()) {
@@ -34,6 +39,7 @@ protected:
     }
 
 private:
+    const std::string m_label;
     Spooler& m_spooler;
     StopRequest& m_stop;
     quor::Synchronizer& m_ready;
