@@ -13,6 +13,7 @@ namespace {
 
 using Names = std::set<std::string>;
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 
 // Runs the example; it has the folders of a spool, and its standard error goes to the file "error".
@@ -143,20 +144,29 @@ TEST_F(SpooldProcess, WaitsForDropsKeepsOthersOutAndStopsInOrder) {
 }
 
 TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
-    Child spoold =
-        Start("--spool spool --pid-file pid --log log --trace trace --level medium --workers 3");
+    const std::string settings = "spool = spool\nlog = log\ntrace = trace\n";
+    Write("conf", settings + "level = Medium");
+    Child spoold = Start("--config conf --pid-file pid --workers 3");
     WaitForText("trace", "Waiting");
     const pid_t daemon = std::stoi(ReadFile("pid"));
     EXPECT_NE(daemon, spoold.pid);
     EXPECT_EQ(spoold.Exit(), 0);
     std::filesystem::rename("trace", "rotated");
     Write("trace", "");
-    for (const auto& [number, effect] : {std::pair(SIGUSR1, "Trace level 3"),
-                                         {SIGUSR2, "Trace level 2"},
-                                         {SIGUSR2, "Trace level 1"},
-                                         {SIGHUP, "Trace opened anew at level 2"}}) {
-        kill(daemon, number);
-        WaitForText("log", effect);
+    const struct {
+        int number;
+        const char* level;
+        const char* effect;
+    } rows[] = {{SIGUSR1, "Medium", "Trace level 3"},
+                {SIGUSR2, "Medium", "Trace level 2"},
+                {SIGHUP, "Detail", "Trace opened anew at level 4"},
+                {SIGHUP, "5", "conf:4: 'level = 5': expected Off, Low, Medium, High or Detail; "},
+                {SIGUSR2, "5", "Trace level 3"}};
+    for (const auto& row : rows) {
+        Write("conf", settings + "level = " + row.level);
+        Write("log", "");
+        kill(daemon, row.number);
+        WaitForText("log", row.effect);
     }
     Drop("late");
     WaitForText("trace", "Done: 'late'");
@@ -164,9 +174,56 @@ TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
     spoold.AwaitHangUp();
     EXPECT_FALSE(std::filesystem::exists("pid"));
     EXPECT_EQ(ReadFile("out") + ReadFile("error"), "");
-    EXPECT_THAT(ReadFile("log"), HasSubstr("Stopped; done: 1, failed: 0"));
+    EXPECT_THAT(ReadFile("log"), HasSubstr("Stopped; done: 1, failed: 0, passes: "));
     EXPECT_THAT(ReadFile("rotated"), AllOf(HasSubstr("worker-3: START"), HasSubstr("stopped *")));
     EXPECT_THAT(ReadFile("trace"), AllOf(HasSubstr("worker-3: DESTROYED"), HasSubstr("stopped *")));
+}
+
+TEST_F(SpooldProcess, ConfigurationCountsUnlessTheCommandLineSaysOtherwise) {
+    Write("conf",
+          "# all of them\n\n spool=spool \nlog = log\r\ntrace = trace\ntrace_dir = .\n"
+          "trace_files = true\nlevel = Detail\nmode = foreground\npid_file = pid\n"
+          "not_before = 2001-01-01 00:00:00");
+    Write("spool/x", "");
+    ASSERT_EQ(Start("--config conf --once --level medium").Exit(), 0);
+    EXPECT_EQ(In("spool/done"), (Names{"x", "x.report"}));
+    EXPECT_THAT(ReadFile("trace"), AllOf(HasSubstr("Trace level changed to 2\n"),
+                                         ContainsRegex("] spooler +[0-9]+: Scan: 1 waiting")));
+    const std::regex statistics(
+        "Stopped; done: 1, failed: 0, passes: 2(, (shortest|longest|average): 00:00:0[0-9.]{11}){3}"
+        ", could not be taken: 0\n");
+    EXPECT_TRUE(std::regex_search(ReadFile("log"), statistics)) << ReadFile("log");
+}
+
+TEST_F(SpooldProcess, WrongConfigurationIsExplainedAndBeginsNothing) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"level = high", ":1: 'level = high': expected Off, Low, Medium, High or Detail\n"},
+        {"\n#\nmode = two", "conf:3: 'mode = two': expected daemon, foreground or once\n"},
+        {"trace_files = yes", "expected 1, true, 0 or false\n"},
+        {"not_before = soon", "expected a time such as 2026-01-31 08:00:00\n"},
+        {"log", "'log': expected key = value\n"},
+        {"log = a = b", "'log = a = b': expected key = value\n"},
+        {std::string("log = a\0b", 9), "'log = a\\x00b': expected key = value\n"},
+        {"colour = red", "expected one of spool, log, trace, trace_dir, trace_files, level, "},
+        {"spool = \nmode = once", "--spool is no folder: ''\n"}};
+    for (const auto& [text, error] : rows) {
+        Write("conf", text);
+        EXPECT_EQ(Start("--log log --config conf").Exit(), 1);
+        EXPECT_THAT(ReadFile("error"), HasSubstr(error));
+        EXPECT_FALSE(std::filesystem::exists("log"));
+    }
+}
+
+TEST_F(SpooldProcess, HoldsTheWorkBackUntilItsTime) {
+    Write("log", "");
+    Child spoold = Start("--spool spool --log log --foreground --not-before '2037-12-31 00:00:00'");
+    WaitForText("log", "No work before 2037-12-31 00:00:00");
+    Drop("late");
+    kill(spoold.pid, SIGHUP);
+    WaitForText("log", "done: 0, failed: 0, passes: 0, could not be taken: 0");
+    kill(spoold.pid, SIGTERM);
+    EXPECT_EQ(spoold.Exit(), 0);
+    EXPECT_EQ(ReadFile("spool/late"), "late");
 }
 
 TEST_F(SpooldProcess, EndsWhenTheSpoolIsBrokenAndKeepsTheFileInHand) {
@@ -188,6 +245,8 @@ TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
           {"--pid-file pid", "spoold: A daemon needs --log, or --foreground"},
           {"--pid-file none/pid --log log", "spoold: Cannot write 'none/pid', given by --pid-file"},
           {"--pid-file pid --log spool", "spoold: Cannot write 'spool', given by --log"},
+          {"--config none", "spoold: Cannot read the configuration 'none'"},
+          {"--not-before today", "invalid time format: today"},
           {"--onec", "was not expected: --onec"}}) {
         EXPECT_GT(Start(std::string("--spool spool ") + options).Exit(), 0) << options;
         EXPECT_THAT(ReadFile("error"), HasSubstr(error));

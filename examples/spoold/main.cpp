@@ -1,11 +1,15 @@
+#include <quor/create_time.h>
 #include <quor/daemon.h>
 #include <quor/exception.h>
 #include <quor/log.h>
 #include <quor/signal_handler.h>
 #include <quor/thread_controller.h>
+#include <quor/time.h>
 #include <quor/trace.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -34,9 +38,25 @@ void ScanAndWait(Spooler& spooler, const Watch& watch, StopRequest& stop) {
     }
 }
 
+// Sleeps until the time has come or the program is to stop.
+void HoldBack(const std::string& notBefore, const StopRequest& stop) {
+    using std::chrono::milliseconds;
+    constexpr milliseconds c_slice(60'000);  // a clock that is set is noticed that late
+    const quor::Time begin = quor::CreateTime(notBefore);
+    const auto left = [&begin]() -> std::chrono::duration<double> {
+        return begin - quor::Time::Now(quor::Time::eNanoSec);
+    };
+    if (left().count() > 0) {
+        quor::Log::GetInstance().Info("No work before " + notBefore);
+    }
+    while (!stop.IsRequested() && left().count() > 0) {
+        stop.AwaitFor(std::min(std::chrono::ceil<milliseconds>(left()), c_slice));
+    }
+}
+
 // Runs the program's threads until a stop is requested, and ends them in the order in which none
 // misses what it uses.
-void Serve(const Options& options, Spool& spool) {
+void Serve(CommandLine& commandLine, const Options& options, Spool& spool) {
     QUOR_TRACE_FNC();
     StopRequest stop;
     Spooler spooler(spool, stop);
@@ -46,13 +66,16 @@ void Serve(const Options& options, Spool& spool) {
     quor::ThreadController scan(
         "scan", [&spooler, &stop, watch] { ScanAndWait(spooler, *watch, stop); },
         [watch] { watch->Wake(); });
-    Signals signals(options, stop);
+    Signals signals(commandLine, spooler, stop);
     const std::unique_ptr<quor::SignalHandlerThread> signalThread(
         quor::SignalHandlerThread::InstallHandler(signals, Signals::c_numbers));
     try {
         quor::Log::GetInstance().Info("Started on " + Quoted(options.m_spool));
+        if (!options.m_notBefore.empty()) {
+            HoldBack(options.m_notBefore, stop);
+        }
         spooler.Recover();
-        if (options.m_once) {
+        if (options.m_mode == Options::eOnce) {
             spooler.Drain();
         } else {
             workers.Start(options.m_workers);
@@ -66,7 +89,7 @@ void Serve(const Options& options, Spool& spool) {
     workers.TerminateAll();
     scan.Stop();
     quor::Log::GetInstance().Info("Stopped; " + spooler.Summary());
-    if (options.m_once && spooler.Refused() > 0) {
+    if (options.m_mode == Options::eOnce && spooler.Refused() > 0) {
         stop.Fail("Not drained; " + spooler.Summary());
     }
     if (!stop.Failure().empty()) {
@@ -82,14 +105,15 @@ void Daemonise(const Options& options) {
     }
 }
 
-void Run(const Options& options) {
+void Run(CommandLine& commandLine) {
+    const Options options = commandLine.Read();
     Spool spool(options.m_spool);  // its lock goes along into the daemon
-    if (options.IsDaemon()) {
+    if (options.m_mode == Options::eDaemon) {
         Daemonise(options);
     }
     try {
         StartReporting(options);
-        Serve(options, spool);
+        Serve(commandLine, options, spool);
     } catch (const std::exception& error) {
         quor::Log::GetInstance().Critical(error.what());
         throw;
@@ -99,11 +123,12 @@ void Run(const Options& options) {
 }  // namespace spoold
 
 int main(int argc, char** argv) try {
-    CLI::App app("Writes a report on every file that is dropped into a spool folder.");
-    spoold::Options options;
-    spoold::AddOptions(app, options);
-    CLI11_PARSE(app, argc, argv);
-    spoold::Run(options);
+    spoold::CommandLine commandLine(argc, argv);
+    try {
+        spoold::Run(commandLine);
+    } catch (const CLI::ParseError& error) {
+        return commandLine.Exit(error);
+    }
     return 0;
 } catch (const std::exception& error) {
     std::cerr << "spoold: " << error.what() << std::endl;

@@ -1,11 +1,14 @@
 #include "options.h"
 
+#include <quor/create_time.h>
+#include <quor/enum_map.h>
 #include <quor/exception.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <map>
 
+#include "configuration.h"
 #include "text.h"
 
 namespace spoold {
@@ -32,48 +35,99 @@ The PID file goes last of all when the daemon ends.
 Only one spoold works on a spool. It may be killed at any time: what it had taken is finished at
 the next start.
 
+The configuration file, in lines "key = value"; blank lines and lines that begin with # are skipped,
+and the command line prevails:
+  spool, log, trace, trace_dir, pid_file, not_before      as the options
+  level         Off, Low, Medium, High, Detail
+  mode          daemon, foreground, once
+  trace_files   1, true, 0, false: whether trace lines show the source file
+
 Signals, which want a moment between two of different kinds:
   SIGTERM, SIGINT     end it, after the files in hand
-  SIGHUP              opens the trace anew, at the level it was started with: after a rotation
+  SIGHUP              opens the trace anew, after a rotation, at the level that the configuration
+                      and the command line say now; logs the statistics
   SIGUSR1, SIGUSR2    raise and lower the level of the trace by one
 
 Exit code: 0 stopped or drained; 1 an error, or with --once a file could not be taken; others:
 the command line is wrong.)";
 
-const std::map<std::string, quor::TraceLevel_e> c_levels{{"off", quor::Off},
-                                                         {"low", quor::Low},
-                                                         {"medium", quor::Medium},
-                                                         {"high", quor::High},
-                                                         {"detail", quor::Detail}};
+std::map<std::string, int> Levels() {
+    std::map<std::string, int> levels;
+    for (const auto& [name, level] : quor::EnumMap<quor::TraceLevel_e>::items.NameToValue()) {
+        levels[name] = level;
+    }
+    return levels;
+}
+
+std::string RefuseMoment(const std::string& text) {
+    try {
+        quor::CreateTime(text);
+        return {};
+    } catch (const quor::Exception& error) {
+        return std::string(error.what()) + ": " + text;
+    }
+}
 
 }  // namespace
 
-void AddOptions(CLI::App& app, Options& options) {
-    app.footer(c_contract);
-    app.add_option("--spool", options.m_spool, "The spool folder")
-        ->required()
-        ->check(CLI::ExistingDirectory)
-        ->option_text("FOLDER");
-    app.add_option("--log", options.m_log, "Log file; without it the log is standard output")
+CommandLine::CommandLine(int argc, const char* const* argv)
+    : m_argc(argc),
+      m_argv(argv),
+      m_app("Writes a report on every file that is dropped into a spool folder.") {
+    AddOptions();
+}
+
+void CommandLine::AddOptions() {
+    m_app.footer(c_contract);
+    m_app.add_option("--config", m_options.m_config, "Configuration file")->option_text("FILE");
+    m_app.add_option("--spool", m_options.m_spool, "The spool folder")->option_text("FOLDER");
+    m_app.add_option("--log", m_options.m_log, "Log file; without it the log is standard output")
         ->option_text("FILE");
-    CLI::Option* trace = app.add_option("--trace", options.m_trace,
-                                        "Trace file; - is standard output, + is ./spoold_PID.log")
-                             ->option_text("NAME");
-    app.add_option("--trace-dir", options.m_traceDir, "Folder of the trace file")
-        ->needs(trace)
+    m_app
+        .add_option("--trace", m_options.m_trace,
+                    "Trace file; - is standard output, + is ./spoold_PID.log")
+        ->option_text("NAME");
+    m_app.add_option("--trace-dir", m_options.m_traceDir, "Folder of the trace file")
         ->option_text("FOLDER");
-    app.add_option("--level", options.m_level,
-                   "off, low (when not given), medium, high or detail; 0 to 4")
-        ->needs(trace)
-        ->transform(CLI::CheckedTransformer(c_levels, CLI::ignore_case))
+    m_app
+        .add_option("--level", m_options.m_level,
+                    "off, low (when not given), medium, high or detail; 0 to 4")
+        ->transform(CLI::CheckedTransformer(Levels(), CLI::ignore_case))
         ->option_text("LEVEL");
-    app.add_option("--pid-file", options.m_pidFile, "Holds the daemon's process id while it runs")
+    m_app
+        .add_option("--pid-file", m_options.m_pidFile,
+                    "Holds the daemon's process id while it runs")
         ->option_text("FILE");
-    app.add_option("--workers", options.m_workers, "Files in hand at once, 1 to 64; 2 if not given")
+    m_app
+        .add_option("--not-before", m_options.m_notBefore,
+                    "Begins no work before that local time, as \"2026-01-31 08:00:00\"")
+        ->check(RefuseMoment)
+        ->option_text("TIME");
+    m_app
+        .add_option("--workers", m_options.m_workers,
+                    "Files in hand at once, 1 to 64; 2 if not given")
         ->check(CLI::Range(1U, c_maxWorkers))
         ->option_text("COUNT");
-    app.add_flag("--foreground", options.m_foreground, "Become no daemon");
-    app.add_flag("--once", options.m_once, "Drain the spool and end; no daemon");
+    m_app.add_flag_callback(
+        "--foreground", [this] { m_options.m_mode = Options::eForeground; }, "Become no daemon");
+    m_app.add_flag_callback(
+        "--once", [this] { m_options.m_mode = Options::eOnce; },
+        "Drain the spool and end; no daemon");
+}
+
+Options CommandLine::Read() {
+    m_options = Options();
+    m_app.parse(m_argc, m_argv);
+    if (!m_options.m_config.empty()) {
+        Options configured;
+        ReadConfiguration(m_options.m_config, configured);
+        m_options = configured;
+        m_app.parse(m_argc, m_argv);
+    }
+    if (!std::filesystem::is_directory(m_options.m_spool)) {
+        throw quor::Exception("--spool is no folder: " + Quoted(m_options.m_spool), true);
+    }
+    return m_options;
 }
 
 // Not in the unnamed namespace: the trace could not name it as the place of a throw.

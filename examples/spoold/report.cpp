@@ -2,11 +2,11 @@
 
 #include <fcntl.h>
 #include <quor/exception.h>
+#include <quor/string_utils.h>
 #include <quor/trace.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cctype>
+#include <cstdint>
 #include <cstdio>
 #include <sstream>
 
@@ -16,25 +16,13 @@
 namespace spoold {
 namespace {
 
-constexpr std::size_t c_bytesPerLine = 16;
+constexpr unsigned int c_bytesPerLine = 16;
 constexpr mode_t c_reportMode = 0640;  // it shows bytes of a file that may be private
 
-std::string Hex(const char* format, unsigned long value) {
-    char text[32];
-    std::snprintf(text, sizeof(text), format, value);
+std::string Hex(std::uint32_t value) {
+    char text[9];
+    std::snprintf(text, sizeof(text), "%08x", static_cast<unsigned int>(value));
     return text;
-}
-
-std::string DumpLine(const std::string& bytes, std::size_t offset) {
-    std::string hex;
-    std::string plain;
-    for (const char character : bytes.substr(offset, c_bytesPerLine)) {
-        const auto byte = static_cast<unsigned char>(character);
-        hex += Hex("%02lX ", byte);
-        plain += std::isgraph(byte) != 0 ? character : '.';
-    }
-    hex.resize(3 * c_bytesPerLine, ' ');
-    return Hex("%05lu: ", offset) + hex + " " + plain + "\n";
 }
 
 bool WriteAll(int fd, const std::string& text) {
@@ -57,12 +45,11 @@ std::string ReportText(const std::string& name, const Findings& findings) {
          << "Size:    " << findings.m_size << " bytes\n"
          << "Lines:   " << findings.m_lines << "\n"
          << "Words:   " << findings.m_words << "\n"
-         << "CRC-32:  " << Hex("%08lx", findings.m_crc) << "\n"
+         << "CRC-32:  " << Hex(findings.m_crc) << "\n"
          << "Read:    " << findings.m_begin << ", in " << findings.m_duration << " s\n"
          << "First " << findings.m_head.size() << " bytes:\n";
-    for (std::size_t offset = 0; offset < findings.m_head.size(); offset += c_bytesPerLine) {
-        text << DumpLine(findings.m_head, offset);
-    }
+    text << quor::HexDump(findings.m_head.data(), static_cast<unsigned int>(findings.m_head.size()),
+                          c_bytesPerLine, true);
     return text.str();
 }
 

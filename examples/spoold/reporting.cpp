@@ -12,6 +12,18 @@
 #include "text.h"
 
 namespace spoold {
+namespace {
+
+bool g_hasTrace = false;  // not changed once there are threads
+
+bool HasTrace() {
+    if (!g_hasTrace) {
+        quor::Log::GetInstance().Info("There is no trace: started without --trace");
+    }
+    return g_hasTrace;
+}
+
+}  // namespace
 
 void StartReporting(const Options& options) {
     quor::VerInfo::Init(c_major, c_minor, c_build, c_revision, c_label, c_compiler, c_buildTime,
@@ -19,17 +31,23 @@ void StartReporting(const Options& options) {
     if (!options.m_log.empty() && !quor::Log::Init(options.m_log)) {
         throw quor::Exception("Cannot write the log " + Quoted(options.m_log), true);
     }
-    if (options.m_trace.empty()) {
+    g_hasTrace = !options.m_trace.empty();
+    if (!g_hasTrace) {
         return;
     }
     quor::TraceFile::Init(options.m_trace, options.m_traceDir);
-    quor::TraceFile::GetInstance().SetLevel(options.m_level);
-    if (options.m_level != quor::Off && !quor::TraceFile::GetInstance().IsActive()) {
+    quor::TraceFile& trace = quor::TraceFile::GetInstance();
+    trace.SetPrintFile(options.m_traceFiles);
+    trace.SetLevel(static_cast<quor::TraceLevel_e>(options.m_level));
+    if (options.m_level != quor::Off && !trace.IsActive()) {
         throw quor::Exception("Cannot write the trace " + Quoted(options.m_trace), true);
     }
 }
 
 void ReopenTrace(quor::TraceLevel_e level) {
+    if (!HasTrace()) {
+        return;
+    }
     quor::TraceFile& trace = quor::TraceFile::GetInstance();
     trace.Stop();
     trace.SetLevel(level);  // starts the trace, unless the level is the same as before
@@ -38,6 +56,9 @@ void ReopenTrace(quor::TraceLevel_e level) {
 }
 
 void ChangeTraceLevel(int step) {
+    if (!HasTrace()) {
+        return;
+    }
     const int level = std::clamp<int>(quor::TraceActiveLevel() + step, quor::Off, quor::Detail);
     quor::TraceFile::GetInstance().SetLevel(static_cast<quor::TraceLevel_e>(level));
     quor::Log::GetInstance().Info("Trace level " + std::to_string(level));

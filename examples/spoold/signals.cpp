@@ -1,9 +1,11 @@
 #include "signals.h"
 
 #include <quor/log.h>
+#include <quor/trace.h>
 
 #include <csignal>
 #include <cstring>
+#include <exception>
 #include <string>
 
 #include "reporting.h"
@@ -12,19 +14,31 @@ namespace spoold {
 
 const int Signals::c_numbers[] = {SIGHUP, SIGINT, SIGTERM, SIGUSR1, SIGUSR2, 0};
 
-Signals::Signals(const Options& options, StopRequest& stop) : m_options(options), m_stop(stop) {}
+Signals::Signals(CommandLine& commandLine, const Spooler& spooler, StopRequest& stop)
+    : m_commandLine(commandLine), m_spooler(spooler), m_stop(stop) {}
 
 void Signals::HandleSignal(int number) {
     quor::Log::GetInstance().Info(std::string("Signal: ") + strsignal(number));
     if (number == SIGTERM || number == SIGINT) {
         m_stop.Request();
-    } else if (m_options.m_trace.empty()) {
-        quor::Log::GetInstance().Warning("There is no trace: started without --trace");
     } else if (number == SIGHUP) {
-        ReopenTrace(m_options.m_level);
+        quor::Log::GetInstance().Info(m_spooler.Summary());
+        Reread();
     } else {
         ChangeTraceLevel(number == SIGUSR1 ? 1 : -1);
     }
+}
+
+// A mistake in the configuration must not end the signal thread; the rotated trace is let go
+// anyway.
+void Signals::Reread() {
+    quor::TraceLevel_e level = quor::TraceActiveLevel();
+    try {
+        level = static_cast<quor::TraceLevel_e>(m_commandLine.Read().m_level);
+    } catch (const std::exception& error) {
+        quor::Log::GetInstance().Error(std::string(error.what()) + "; the level stays");
+    }
+    ReopenTrace(level);
 }
 
 }  // namespace spoold

@@ -4,6 +4,7 @@
 #include <quor/signal_handler.h>
 
 #include "options.h"
+#include "spooler.h"
 #include "stop_request.h"
 
 namespace spoold {
@@ -14,13 +15,16 @@ public:
     /// The signals, ending in 0.
     static const int c_numbers[];
 
-    /// Both must outlive the object.
-    Signals(const Options& options, StopRequest& stop);
+    /// All must outlive the object, which is the only one to use `commandLine`.
+    Signals(CommandLine& commandLine, const Spooler& spooler, StopRequest& stop);
 
     void HandleSignal(int number) override;
 
 private:
-    const Options& m_options;
+    void Reread();
+
+    CommandLine& m_commandLine;
+    const Spooler& m_spooler;
     StopRequest& m_stop;
 };
 

@@ -33,6 +33,7 @@ void Spooler::Recover() {
 // A name may be listed again while a worker has it in hand: whoever takes it then finds it gone.
 void Spooler::Scan() {
     QUOR_TRACE_FNC();
+    m_statistics.NextPass();
     const std::vector<std::string> names = m_spool.Waiting();
     QUOR_TRACE(quor::Medium, "Scan: " << names.size() << " waiting");
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -73,9 +74,7 @@ std::size_t Spooler::Refused() const {
 }
 
 std::string Spooler::Summary() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return "done: " + std::to_string(m_done) + ", failed: " + std::to_string(m_failed) +
-           ", could not be taken: " + std::to_string(m_refused.size());
+    return m_statistics.Text() + ", could not be taken: " + std::to_string(Refused());
 }
 
 // Empty when there is none.
@@ -106,10 +105,10 @@ void Spooler::Process(const std::string& name) {
     QUOR_TRACE_FNC();
     if (m_spool.HasReport(name) || Report(name)) {
         m_spool.Finish(name);
-        Count(m_done);
+        m_statistics.FileDone();
     } else {
         m_spool.Fail(name);
-        Count(m_failed);
+        m_statistics.FileFailed();
     }
 }
 
@@ -124,11 +123,6 @@ bool Spooler::Report(const std::string& name) {
     }
     WriteReport(m_spool.GrowingReportPath(name), m_spool.ReportPath(name), text);
     return true;
-}
-
-void Spooler::Count(unsigned long& counter) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    ++counter;
 }
 
 }  // namespace spoold

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "spool.h"
+#include "statistics.h"
 #include "stop_request.h"
 
 namespace spoold {
@@ -26,7 +27,7 @@ public:
 
     /// Finishes what an earlier run had taken. Before any ProcessNext().
     void Recover();
-    /// Lists the waiting files for ProcessNext(), anew each time.
+    /// Begins a pass: lists the waiting files for ProcessNext(), anew each time.
     void Scan();
     /// Takes and finishes one listed file; false when there is none, or the program is to stop.
     bool ProcessNext();
@@ -35,7 +36,7 @@ public:
 
     /// Files that were listed last and could not be taken.
     std::size_t Refused() const;
-    /// How many files came to which end, for the log.
+    /// Statistics and the files that were refused, for the log.
     std::string Summary() const;
 
 private:
@@ -43,15 +44,13 @@ private:
     std::string Take(const std::string& name);
     void Process(const std::string& name);
     bool Report(const std::string& name);
-    void Count(unsigned long& counter);
 
     Spool& m_spool;
     const StopRequest& m_stop;
+    Statistics m_statistics;
     mutable std::mutex m_mutex;  // guards the rest
     std::deque<std::string> m_listed;
     std::set<std::string> m_refused;  // logged once, tried at every scan
-    unsigned long m_done = 0;
-    unsigned long m_failed = 0;
 };
 
 }  // namespace spoold

@@ -21,6 +21,11 @@ void StopRequest::Await() const {
     m_condition.wait(lock, [this] { return m_requested; });
 }
 
+void StopRequest::AwaitFor(std::chrono::milliseconds limit) const {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_condition.wait_for(lock, limit, [this] { return m_requested; });
+}
+
 std::string StopRequest::Failure() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_failure;

@@ -1,6 +1,7 @@
 #ifndef SPOOLD_STOP_REQUEST_H
 #define SPOOLD_STOP_REQUEST_H
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>
@@ -21,6 +22,8 @@ public:
     bool IsRequested() const;
     /// Sleeps until there is a wish.
     void Await() const;
+    /// The same, but no longer than `limit`.
+    void AwaitFor(std::chrono::milliseconds limit) const;
     /// What went wrong; empty when nothing did.
     std::string Failure() const;
 
