@@ -1,9 +1,10 @@
-#!/bin/bash
+#!/bin/sh
 # late_reports.sh PROGRAM RUNS: each run ends well, and its trace ends in one trailer.
-set -euo pipefail
+set -eu
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-for ((run = 0; run < $2; ++run)); do
+run=0
+while [ $run -lt "$2" ]; do
     rm -f "$folder"/*
     "$1" "$folder/trace" "$folder/log"
     if [ "$(tail -n 5 "$folder/trace" | sed -n 2p)" != "* ***** Trace stopped *****" ] ||
@@ -12,4 +13,5 @@ for ((run = 0; run < $2; ++run)); do
         echo "run $run: the trace does not end in its trailer"
         exit 1
     fi
+    run=$((run + 1))
 done

@@ -1,5 +1,5 @@
 #!/bin/bash
-# throw_place.sh LIBRARY_FOLDER: "** in: " names the function that built the exception, however and
+# throw_place.sh LIBRARY_FOLDER [FLAGS]: "** in: " names the function that built the exception, however and
 # by whichever compiler the host is optimised.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -13,7 +13,7 @@ for compiler in g++ clang++; do
     options=$([ $compiler = g++ ] && echo -fno-reorder-blocks-and-partition) || true
     for optimisation in -O0 -O2 -O3 "-O2 -flto"; do
         # shellcheck disable=SC2086 # lists of words
-        $compiler -std=c++17 $optimisation $options -rdynamic -Icore/shared tests/hosts/throw_place.cpp \
+        $compiler ${2:-} -std=c++17 $optimisation $options -rdynamic -Icore/shared tests/hosts/throw_place.cpp \
             -o "$host" -L"$1" -lzelvarquor -Wl,-rpath,"$1"
         places=$("$host" | sed -n 's/.*\(\*\* in: .*\) \[0x[0-9a-f]*\]$/\1/p')
         if [ "$places" != "$expected" ]; then
