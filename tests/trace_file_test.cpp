@@ -161,6 +161,19 @@ TEST(TraceFile, DumpsTheStackAsOneEntryOfNumberedLinesAndAnEmptyOne) {
     EXPECT_THAT(trace.News(), testing::ContainsRegex("\n62\\. [^\n]+\n63\\. [^\n]+\n\n$"));
 }
 
+TEST(TraceFile, AppendsPastTwoGigabytes) {
+    const TraceTap trace(Off);
+    constexpr std::uintmax_t c_size = (1ULL << 31) + 1;
+    std::ofstream("trace.log").close();
+    std::filesystem::resize_file("trace.log", c_size);  // sparse
+    File().Start(Low);
+    File().Stop();
+    std::ifstream file("trace.log");
+    file.seekg(static_cast<std::streamoff>(c_size));
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    EXPECT_EQ(Masked(text), TraceOpening("appended") + TraceClosing());
+}
+
 TEST(TraceFile, AFailureStopsItUntilTheNextStart) {
     TraceTap trace(Off);
     const Redirected errors(STDERR_FILENO, "errors");
