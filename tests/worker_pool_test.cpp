@@ -106,6 +106,19 @@ TEST(WorkerPool, FailingFactoryLeavesThePoolAsItWasAndLiveWorkersOutliveIt) {
                   "0 Worker thread: a: DESTROYED\n");
 }
 
+TEST(WorkerPool, TerminatesByANameThatGoesWithTheWorker) {
+    std::string name;
+    Pool pool([&name](Worker& worker) {
+        WaitForStop(worker);
+        name = "gone";
+    });
+    for (int life = 0; life < 2; ++life) {
+        pool.GetWorker(name = "a")->Start();
+        pool.Terminate(name);
+        EXPECT_EQ(name, "gone");
+    }
+}
+
 TEST(WorkerPool, OnlyOneOfSeveralTerminationsOfANameActs) {
     Pool pool(WaitForStop);
     for (int round = 1; round <= 500; ++round) {

@@ -62,7 +62,8 @@ void WorkerPool::EndTermination(const std::string& name) {
 }
 
 void WorkerPool::Terminate(const std::string& name) {
-    WorkerThread* const worker = BeginTermination(name);
+    const std::string key(name);  // the caller's may lie in the worker
+    WorkerThread* const worker = BeginTermination(key);
     if (worker == nullptr) {
         return;
     }
@@ -72,11 +73,11 @@ void WorkerPool::Terminate(const std::string& name) {
             worker->m_thread.join();
         }
     } catch (...) {
-        EndTermination(name);
+        EndTermination(key);
         throw;
     }
     delete worker;
-    EndTermination(name);
+    EndTermination(key);
 }
 
 const std::string* WorkerPool::NextName(const std::string* name) {
