@@ -153,6 +153,41 @@ TEST(ThreadController, CancelsEveryPeriodOnFreshCopiesHoweverTheyEnd) {
     EXPECT_EQ(ThreadTap::ByThread("thread_controller", warnings), warnings);
 }
 
+// A cancel function whose next copy ends in a way out.
+struct Trap {
+    Trap(Blocker blocked, std::atomic<const WayOut*>& nextWay) : blocker(blocked), way(nextWay) {}
+    Trap(const Trap& other) : blocker(other.blocker), way(other.way) {
+        if (const WayOut* const now = way.exchange(nullptr)) {
+            now->leave();
+            pthread_testcancel();
+        }
+    }
+    void operator()() const { blocker.cancel(); }
+    const Blocker blocker;
+    std::atomic<const WayOut*>& way;
+};
+
+TEST(ThreadController, CanBeDestroyedHoweverTheCopyOfItsCancelFunctionEnds) {
+    const ScopedValue period(cStopSleepPeriodMs, 1U);
+    static std::atomic<const WayOut*> next{nullptr};  // outlives the detached threads
+    for (const WayOut& way : c_waysOut) {
+        const bool throws = !way.workerWarning.empty();
+        const ThreadTap trace;
+        const Blocker blocker;
+        {
+            ThreadController controller("c", blocker.loop, Trap(blocker, next));
+            controller.Start();
+            next = &way;
+            controller.AsyncStop();
+            AwaitState(controller, ThreadController::eTerminating);
+            next = throws ? &way : nullptr;
+        }
+        const std::string warning = "WARNING: WorkerThread c" + way.workerWarning;
+        const std::string warnings = throws ? warning + "-\n" + warning : "";
+        EXPECT_EQ(ThreadTap::ByThread("thread_controller", warnings), warnings);
+    }
+}
+
 TEST(ThreadController, OnlyStartCompletesTheStopOfAnother) {
     const ScopedValue period(cStopSleepPeriodMs, c_anHour);
     const Blocker blocker;

@@ -16,17 +16,13 @@ namespace {
 
 constexpr const char* c_file = "thread_controller";
 
-void WarnOfException(const std::string& name, const std::exception& e) {
-    QUOR_TRACE(Low, "WARNING: WorkerThread " << name << ". Error: " << e.what());
-}
-
 // Runs code of the host; what it throws is traced and goes no further.
 template <typename Function>
 void RunGuarded(const std::string& name, const Function& function) {
     try {
         function();
     } catch (const std::exception& e) {
-        WarnOfException(name, e);
+        QUOR_TRACE(Low, "WARNING: WorkerThread " << name << ". Error: " << e.what());
     } catch (...) {
         if (std::current_exception() == nullptr) {
             throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
@@ -127,13 +123,22 @@ void ThreadController::AsyncRestart() {
 void ThreadController::RunAside(void (*operation)(ThreadController&)) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::thread([this, operation] {
-        RunGuarded(m_name, [this, operation] { operation(*this); });
-        const std::lock_guard<std::mutex> leaving(m_mutex);
-        --m_asideThreads;
-        m_asideDone.notify_all();
+        try {
+            RunGuarded(m_name, [this, operation] { operation(*this); });
+        } catch (...) {
+            LeaveAside();
+            throw;
+        }
+        LeaveAside();
     }).detach();
     // Counted in time: the thread cannot leave before the mutex is free.
     ++m_asideThreads;
+}
+
+void ThreadController::LeaveAside() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    --m_asideThreads;
+    m_asideDone.notify_all();
 }
 
 ThreadController::State_e ThreadController::GetState() const {
@@ -218,16 +223,16 @@ bool ThreadController::SetState(State_e state) {
 }
 
 void ThreadController::StartCancel() {
-    try {
+    const auto start = [this] {
         std::thread([name = m_name, cancel = m_cancelLoopFnc] {
             RunGuarded(name, cancel);
         }).detach();
-    } catch (const std::exception& e) {
+    };
+    if (m_destroying) {
         // The destructor has nobody to tell and must not give up: it tries again after a period.
-        if (!m_destroying) {
-            throw;
-        }
-        WarnOfException(m_name, e);
+        RunGuarded(m_name, start);
+    } else {
+        start();
     }
 }
 

@@ -105,6 +105,7 @@ private:
     void StartCancel();
     bool WaitOnce(std::unique_lock<std::mutex>& lock);
     void RunAside(void (*operation)(ThreadController&));
+    void LeaveAside();
 
     bool m_destroying;            // guarded by m_mutex
     unsigned int m_asideThreads;  // threads of asynchronous operations; guarded by m_mutex
