@@ -27,6 +27,10 @@ std::atomic<int> g_signalNumber{c_none};
 std::atomic<int> g_stopNumber{c_none};
 std::atomic<SignalHandlerThread*> g_signalThread{nullptr};
 
+// The signal that a signal thread took last. It outlives the thread: a C-level handler that was
+// held up behind its store posts late, to the next thread.
+int g_takenNumber = c_none;
+
 // Signal context: only a lock-free store and sem_post; nothing here may allocate, lock or trace.
 static_assert(std::atomic<int>::is_always_lock_free);
 extern "C" void SignalHandlerFnc(int number) {
@@ -47,10 +51,19 @@ int PostsLeft() {
     return posts;
 }
 
-// The slot may have changed since `number` was taken from it.
-int LatestNumber(int number) {
+bool TakeNumber() {
+    const int number = g_signalNumber.exchange(c_none);
+    if (number == c_none) {
+        return false;
+    }
+    g_takenNumber = number;
+    return true;
+}
+
+// The slot may have changed since a number was taken from it.
+int LatestNumber() {
     const int latest = g_signalNumber.load();
-    return latest != c_none ? latest : number;
+    return latest != c_none ? latest : g_takenNumber;
 }
 
 void Forget(SignalHandlerThread* thread) {
@@ -119,7 +132,7 @@ void SignalHandlerThread::operator()() {
 }
 
 void SignalHandlerThread::HandleSignals() {
-    int number = g_signalNumber.exchange(c_none);  // from before the semaphore was set to 0
+    TakeNumber();  // one from before the semaphore was set to 0
     bool stopping = false;
     int postsLeft = 0;
     for (;;) {
@@ -131,11 +144,10 @@ void SignalHandlerThread::HandleSignals() {
             stopping = true;
             postsLeft = PostsLeft() + 1;
         }
-        const int arrived = g_signalNumber.exchange(c_none);
-        number = arrived != c_none ? arrived : number;
+        const bool taken = TakeNumber();
         const bool last = stopping && --postsLeft == 0;
-        if (!last || arrived != c_none) {
-            Deliver(number);
+        if (taken || !last) {
+            Deliver();
         }
         if (last) {
             QUOR_TRACE(Medium, "Got signal to stop signal thread.");
@@ -145,13 +157,13 @@ void SignalHandlerThread::HandleSignals() {
     }
 }
 
-void SignalHandlerThread::Deliver(int number) {
-    const Disposition previous = m_prevHandlers.at(number);
+void SignalHandlerThread::Deliver() {
+    const Disposition previous = m_prevHandlers.at(g_takenNumber);
     if (previous != SIG_DFL && previous != SIG_IGN && previous != SignalHandlerFnc) {
         QUOR_TRACE(Medium, "Calling previous signal handler.");
-        previous(LatestNumber(number));
+        previous(LatestNumber());
     }
-    m_handler.HandleSignal(LatestNumber(number));
+    m_handler.HandleSignal(LatestNumber());
 }
 
 }  // namespace quor

@@ -64,7 +64,7 @@ private:
     SignalHandlerThread(SignalHandler& handler, const int* signals);
 
     void HandleSignals();
-    void Deliver(int number);
+    void Deliver();
 
     SignalHandler& m_handler;
     std::thread m_thread;
