@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <exception>
 #include <functional>
+#include <mutex>
 #include <string>
 
 sem_t g_semSignal;
@@ -25,6 +26,7 @@ constexpr int c_defaultSignals[] = {SIGHUP, SIGINT, SIGTERM, SIGQUIT, c_none};
 // so that neither can overwrite the other.
 std::atomic<int> g_signalNumber{c_none};
 std::atomic<int> g_stopNumber{c_none};
+std::mutex g_stopMutex;  // held while the wish is stored and posted
 std::atomic<SignalHandlerThread*> g_signalThread{nullptr};
 
 // The signal that a signal thread took last. It outlives the thread: a C-level handler that was
@@ -45,7 +47,9 @@ void AwaitPost() {
     }
 }
 
+// The wish to stop may be seen before its post, which counts too: it must be there by now.
 int PostsLeft() {
+    const std::lock_guard<std::mutex> lock(g_stopMutex);
     int posts = 0;
     sem_getvalue(&g_semSignal, &posts);
     return posts;
@@ -113,7 +117,10 @@ SignalHandlerThread* SignalHandlerThread::InstallHandler(SignalHandler& handler,
 
 void SignalHandlerThread::Stop() {
     const TraceFnc fnc("void quor::SignalHandlerThread::Stop()", c_file, __LINE__);
-    SignalHandlerFnc(cStopSignal);
+    {
+        const std::lock_guard<std::mutex> lock(g_stopMutex);
+        SignalHandlerFnc(cStopSignal);
+    }
     m_thread.join();
 }
 
