@@ -67,6 +67,7 @@ TEST(LoggedAssertDeathTest, ReportsToItsFileOrStandardErrorAndToTraceAndLogThenA
                 quor::TraceFile::GetInstance().Start(silent ? quor::Off : quor::Low);
                 quor::Log::Init("app.log");
                 quor::Log::m_enabled = !silent;
+                std::cerr.setstate(std::ios_base::badbit);  // from an earlier failure
                 std::thread([&parent] {
                     parent.Send(quor::GetPid());
                     parent.Send(quor::GetTid());

@@ -49,6 +49,9 @@ void Report(const std::string& failure, const std::string& stack) {
     if (file.is_open()) {
         std::cerr.rdbuf(file.rdbuf());
     }
+    // What failed on the stream before, and a host's wish for exceptions, must not cost the report.
+    std::cerr.exceptions(std::ios_base::goodbit);
+    std::cerr.clear();
     std::cerr << failure << std::endl << stack << std::endl;
     if (file.is_open() && TraceGateOpen(Low)) {
         TraceWrite(Low, c_function, "assert", __LINE__, "Assert message logged to: " + fileName);
