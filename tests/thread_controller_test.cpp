@@ -155,7 +155,7 @@ TEST(ThreadController, CancelsEveryPeriodOnFreshCopiesHoweverTheyEnd) {
 
 // A cancel function whose next copy ends in a way out.
 struct Trap {
-    Trap(Blocker blocked, std::atomic<const WayOut*>& nextWay) : blocker(blocked), way(nextWay) {}
+    Trap(const Blocker& inner, std::atomic<const WayOut*>& next) : blocker(inner), way(next) {}
     Trap(const Trap& other) : blocker(other.blocker), way(other.way) {
         if (const WayOut* const now = way.exchange(nullptr)) {
             now->leave();

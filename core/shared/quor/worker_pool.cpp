@@ -62,7 +62,8 @@ void WorkerPool::EndTermination(const std::string& name) {
 }
 
 void WorkerPool::Terminate(const std::string& name) {
-    const std::string key(name);  // the caller's may lie in the worker
+    // The caller's text may lie in the worker.
+    const std::string key(name);  // NOLINT(performance-unnecessary-copy-initialization)
     WorkerThread* const worker = BeginTermination(key);
     if (worker == nullptr) {
         return;
