@@ -185,6 +185,7 @@ TEST_F(SpooldProcess, ConfigurationCountsUnlessTheCommandLineSaysOtherwise) {
           "trace_files = true\nlevel = Detail\nmode = foreground\npid_file = pid\n"
           "not_before = 2001-01-01 00:00:00");
     Write("spool/x", "");
+    const ScopedZone zone("ABC-5");  // durations do not follow it
     ASSERT_EQ(Start("--config conf --once --level medium").Exit(), 0);
     EXPECT_EQ(In("spool/done"), (Names{"x", "x.report"}));
     EXPECT_THAT(ReadFile("trace"), AllOf(HasSubstr("Trace level changed to 2\n"),

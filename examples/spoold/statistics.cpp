@@ -17,6 +17,15 @@ std::string TextOf(const T& value) {
     return text.str();
 }
 
+// The watch keeps its durations as local times of day, which show the zone's offset. A sum has the
+// form of its left side.
+std::string TextOf(const quor::Time& duration) {
+    const quor::Time now(quor::Time::eUtc | quor::Time::eTimeOfDay | quor::Time::eNanoSec);
+    std::ostringstream text;
+    text << now - now + duration;
+    return text.str();
+}
+
 }  // namespace
 
 void Statistics::NextPass() {
