@@ -201,7 +201,8 @@ TEST_F(SpooldProcess, WrongConfigurationIsExplainedAndBeginsNothing) {
         {"level = high", ":1: 'level = high': expected Off, Low, Medium, High or Detail\n"},
         {"\n#\nmode = two", "conf:3: 'mode = two': expected daemon, foreground or once\n"},
         {"trace_files = yes", "expected 1, true, 0 or false\n"},
-        {"not_before = soon", "expected a time such as 2026-01-31 08:00:00\n"},
+        {"not_before = soon", "expected a time such as 2026-01-31 08:00:00, in the years 1971"},
+        {"not_before = 1970-12-31 23:59:59", "expected a time such as "},
         {"log", "'log': expected key = value\n"},
         {"log = a = b", "'log = a = b': expected key = value\n"},
         {std::string("log = a\0b", 9), "'log = a\\x00b': expected key = value\n"},
@@ -248,6 +249,7 @@ TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
           {"--pid-file pid --log spool", "spoold: Cannot write 'spool', given by --log"},
           {"--config none", "spoold: Cannot read the configuration 'none'"},
           {"--not-before today", "invalid time format: today"},
+          {"--not-before '2106-01-01 00:00:00'", "not in the years 1971 to 2105: 2106"},
           {"--onec", "was not expected: --onec"}}) {
         EXPECT_GT(Start(std::string("--spool spool ") + options).Exit(), 0) << options;
         EXPECT_THAT(ReadFile("error"), HasSubstr(error));

@@ -1,7 +1,6 @@
 #include "configuration.h"
 
 #include <quor/any_reference.h>
-#include <quor/create_time.h>
 #include <quor/enum_map.h>
 #include <quor/exception.h>
 #include <quor/literals.h>
@@ -40,8 +39,8 @@ void ReadMode(const quor::AnyReference& variable, const std::string& value) {
     variable.Assign(quor::TextualToNumeric(c_modes, value));
 }
 
-void ReadMoment(const quor::AnyReference& variable, const std::string& value) {
-    quor::CreateTime(value);
+void ReadNotBefore(const quor::AnyReference& variable, const std::string& value) {
+    ReadMoment(value);
     variable.Assign(value);
 }
 
@@ -63,8 +62,8 @@ std::vector<Setting> Settings(Options& options) {
         {"level", Reference(options.m_level), ReadLevel, "Off, Low, Medium, High or Detail"},
         {"mode", Reference(options.m_mode), ReadMode, "daemon, foreground or once"},
         {"pid_file", Reference(options.m_pidFile), ReadText, "a file"},
-        {"not_before", Reference(options.m_notBefore), ReadMoment,
-         "a time such as 2026-01-31 08:00:00"},
+        {"not_before", Reference(options.m_notBefore), ReadNotBefore,
+         "a time such as 2026-01-31 08:00:00, in the years 1971 to 2105"},
     };
 }
 

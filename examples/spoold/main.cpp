@@ -1,4 +1,3 @@
-#include <quor/create_time.h>
 #include <quor/daemon.h>
 #include <quor/exception.h>
 #include <quor/log.h>
@@ -42,7 +41,7 @@ void ScanAndWait(Spooler& spooler, const Watch& watch, StopRequest& stop) {
 void HoldBack(const std::string& notBefore, const StopRequest& stop) {
     using std::chrono::milliseconds;
     constexpr milliseconds c_slice(60'000);  // a clock that is set is noticed that late
-    const quor::Time begin = quor::CreateTime(notBefore);
+    const quor::Time begin = ReadMoment(notBefore);
     const auto left = [&begin]() -> std::chrono::duration<double> {
         return begin - quor::Time::Now(quor::Time::eNanoSec);
     };

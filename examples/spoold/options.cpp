@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <map>
+#include <sstream>
 
 #include "configuration.h"
 #include "text.h"
@@ -61,7 +62,7 @@ std::map<std::string, int> Levels() {
 
 std::string RefuseMoment(const std::string& text) {
     try {
-        quor::CreateTime(text);
+        ReadMoment(text);
         return {};
     } catch (const quor::Exception& error) {
         return std::string(error.what()) + ": " + text;
@@ -100,7 +101,8 @@ void CommandLine::AddOptions() {
         ->option_text("FILE");
     m_app
         .add_option("--not-before", m_options.m_notBefore,
-                    "Begins no work before that local time, as \"2026-01-31 08:00:00\"")
+                    "Begins no work before that local time, as \"2026-01-31 08:00:00\", "
+                    "in the years 1971 to 2105")
         ->check(RefuseMoment)
         ->option_text("TIME");
     m_app
@@ -130,7 +132,17 @@ Options CommandLine::Read() {
     return m_options;
 }
 
-// Not in the unnamed namespace: the trace could not name it as the place of a throw.
+// Not in the unnamed namespace: the trace could not name them as the place of a throw.
+quor::Time ReadMoment(const std::string& text) {
+    const quor::Time moment = quor::CreateTime(text);
+    std::ostringstream printed;  // begins with the year, four wide
+    printed << moment;
+    if (printed.str() < "1971" || printed.str() >= "2106") {
+        throw quor::Exception("not in the years 1971 to 2105", true);
+    }
+    return moment;
+}
+
 void CheckWritable(const std::string& option, const std::string& file) {
     if (file.empty()) {
         throw quor::Exception("A daemon needs " + option + ", or --foreground", true);

@@ -1,6 +1,7 @@
 #ifndef SPOOLD_OPTIONS_H
 #define SPOOLD_OPTIONS_H
 
+#include <quor/time.h>
 #include <quor/trace_level.h>
 
 #include <CLI/CLI.hpp>
@@ -20,7 +21,7 @@ struct Options {
     int m_level = quor::Low;    // a quor::TraceLevel_e
     int m_mode = eDaemon;       // a Mode_e
     std::string m_pidFile;
-    std::string m_notBefore;  // empty, or a text for quor::CreateTime()
+    std::string m_notBefore;  // empty, or a text for ReadMoment()
     unsigned int m_workers = 2;
     std::string m_config;  // empty: no configuration file
 };
@@ -47,6 +48,10 @@ private:
     CLI::App m_app;
     Options m_options;  // what m_app parses into
 };
+
+/// As quor::CreateTime(), but throws quor::Exception also outside of the years 1971 to 2105: others
+/// do not compare rightly with the current time.
+quor::Time ReadMoment(const std::string& text);
 
 /// Throws quor::Exception when a daemon could not write its files, or would have none. To be asked
 /// while there is still a terminal that shows the answer.
