@@ -204,10 +204,10 @@ TEST_F(SpooldProcess, WrongConfigurationIsExplainedAndBeginsNothing) {
         {"not_before = soon", "expected a time such as 2026-01-31 08:00:00, in the years 1971"},
         {"not_before = 1970-12-31 23:59:59", "expected a time such as "},
         {"log", "'log': expected key = value\n"},
-        {"log = a = b", "'log = a = b': expected key = value\n"},
+        {"log == a", "'log == a': expected key = value\n"},
         {std::string("log = a\0b", 9), "'log = a\\x00b': expected key = value\n"},
         {"colour = red", "expected one of spool, log, trace, trace_dir, trace_files, level, "},
-        {"spool = \nmode = once", "--spool is no folder: ''\n"}};
+        {"spool =\nmode = once", "--spool is no folder: ''\n"}};
     for (const auto& [text, error] : rows) {
         Write("conf", text);
         EXPECT_EQ(Start("--log log --config conf").Exit(), 1);

@@ -6,6 +6,7 @@
 #include <quor/literals.h>
 #include <quor/string_utils.h>
 
+#include <cstddef>
 #include <fstream>
 #include <vector>
 
@@ -71,16 +72,17 @@ std::vector<Setting> Settings(Options& options) {
 
 // Not in the unnamed namespace: the trace could not name it as the place of a throw.
 void ApplyLine(const std::string& line, std::vector<Setting>& settings) {
-    const std::vector<std::string> parts = quor::TokenizeString(line.c_str(), "=");
-    if (parts.size() != 2 || line.find('\0') != std::string::npos) {
+    const std::size_t sign = line.find('=');
+    if (sign == std::string::npos || sign != line.rfind('=') ||
+        line.find('\0') != std::string::npos) {
         throw quor::Exception("expected key = value", true);
     }
-    const std::string key = quor::TrimString(parts[0].c_str());
+    const std::string key = quor::TrimString(line.substr(0, sign).c_str());
     std::vector<std::string> keys;
     for (const Setting& setting : settings) {
         if (key == setting.key) {
             try {
-                setting.read(setting.variable, quor::TrimString(parts[1].c_str()));
+                setting.read(setting.variable, quor::TrimString(line.substr(sign + 1).c_str()));
             } catch (const quor::Exception&) {
                 throw quor::Exception(std::string("expected ") + setting.expected, true);
             }
