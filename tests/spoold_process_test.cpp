@@ -218,9 +218,13 @@ TEST_F(SpooldProcess, WrongConfigurationIsExplainedAndBeginsNothing) {
 
 TEST_F(SpooldProcess, HoldsTheWorkBackUntilItsTime) {
     Write("log", "");
-    Child spoold = Start("--spool spool --log log --foreground --not-before '2037-12-31 00:00:00'");
+    Child spoold = Start(
+        "--spool spool --log log --foreground --not-before '2037-12-31 00:00:00' --level off "
+        "--trace full --trace-dir /dev");
     WaitForText("log", "No work before 2037-12-31 00:00:00");
     Drop("late");
+    kill(spoold.pid, SIGUSR1);
+    WaitForText("log", "Error   : Cannot write the trace");
     kill(spoold.pid, SIGHUP);
     WaitForText("log", "done: 0, failed: 0, passes: 0, could not be taken: 0");
     kill(spoold.pid, SIGTERM);

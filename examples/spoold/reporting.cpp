@@ -23,6 +23,14 @@ bool HasTrace() {
     return g_hasTrace;
 }
 
+void LogTrace(const std::string& done, int level) {
+    if (level != quor::Off && !quor::TraceFile::GetInstance().IsActive()) {
+        quor::Log::GetInstance().Error("Cannot write the trace");
+    } else {
+        quor::Log::GetInstance().Info(done + std::to_string(level));
+    }
+}
+
 }  // namespace
 
 void StartReporting(const Options& options) {
@@ -52,7 +60,7 @@ void ReopenTrace(quor::TraceLevel_e level) {
     trace.Stop();
     trace.SetLevel(level);  // starts the trace, unless the level is the same as before
     trace.Start(level);
-    quor::Log::GetInstance().Info("Trace opened anew at level " + std::to_string(level));
+    LogTrace("Trace opened anew at level ", level);
 }
 
 void ChangeTraceLevel(int step) {
@@ -61,7 +69,7 @@ void ChangeTraceLevel(int step) {
     }
     const int level = std::clamp<int>(quor::TraceActiveLevel() + step, quor::Off, quor::Detail);
     quor::TraceFile::GetInstance().SetLevel(static_cast<quor::TraceLevel_e>(level));
-    quor::Log::GetInstance().Info("Trace level " + std::to_string(level));
+    LogTrace("Trace level ", level);
 }
 
 }  // namespace spoold

@@ -12,11 +12,11 @@ namespace spoold {
 void StartReporting(const Options& options);
 
 /// Lets go of the trace file, which may have been renamed, and opens it again at `level`. Lines
-/// that other threads trace meanwhile are lost. Without a trace it only says so in the log.
+/// that other threads trace meanwhile are lost. The log says whether it went well; without a trace
+/// it only says so.
 void ReopenTrace(quor::TraceLevel_e level);
 
-/// Raises or lowers the level of the trace by `step`, within Off and Detail. Without a trace it
-/// only says so in the log.
+/// Raises or lowers the level of the trace by `step`, within Off and Detail; says the same.
 void ChangeTraceLevel(int step);
 
 }  // namespace spoold
