@@ -91,7 +91,10 @@ std::string Spooler::NextListed() {
 // The name from now on; empty when the file is gone, or could not be taken.
 std::string Spooler::Take(const std::string& name) {
     try {
-        return m_spool.Take(name);
+        std::string taken = m_spool.Take(name);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_refused.erase(name);
+        return taken;
     } catch (const quor::Exception& error) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         if (m_refused.insert(name).second) {
