@@ -253,7 +253,7 @@ TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
           {"--pid-file pid --log spool", "spoold: Cannot write 'spool', given by --log"},
           {"--config none", "spoold: Cannot read the configuration 'none'"},
           {"--not-before today", "invalid time format: today"},
-          {"--not-before '2106-01-01 00:00:00'", "not in the years 1971 to 2105: 2106"},
+          {"--not-before '1970-12-31 00:00:00'", "not in the years 1971 to 2105: 1970"},
           {"--onec", "was not expected: --onec"}}) {
         EXPECT_GT(Start(std::string("--spool spool ") + options).Exit(), 0) << options;
         EXPECT_THAT(ReadFile("error"), HasSubstr(error));
