@@ -106,7 +106,9 @@ void Daemonise(const Options& options) {
 
 void Run(CommandLine& commandLine) {
     const Options options = commandLine.Read();
-    Spool spool(options.m_spool);  // its lock goes along into the daemon
+    // Its lock goes along into the daemon. Static, and older than the Daemon object: the lock goes
+    // after the PID file, or the next daemon's PID file could be the one that is removed.
+    static Spool spool(options.m_spool);
     if (options.m_mode == Options::eDaemon) {
         Daemonise(options);
     }

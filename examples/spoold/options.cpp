@@ -31,7 +31,7 @@ Long names are cut after 200 bytes. Collect a report when its file stands beside
 
 Without --foreground and --once it becomes a daemon, which needs --pid-file and --log. Until then
 errors are told on the terminal; the working directory and the standard streams stay as they are.
-The PID file goes last of all when the daemon ends.
+The PID file goes last of all when the daemon ends, and right after it the lock on the spool.
 
 Only one spoold works on a spool. It may be killed at any time: what it had taken is finished at
 the next start.
