@@ -55,6 +55,7 @@ std::string Statistics::Text() const {
                                  {"average: ", TextOf(passes.m_averageLoop)}});
     }
     std::vector<std::string> texts;
+    texts.reserve(rows.size());
     for (const auto& [name, value] : rows) {
         texts.push_back(name + TextOf(value));
     }
