@@ -15,8 +15,8 @@ protected:
     void Main() override {
         QUOR_TRACE(quor::Low, "at work: " << m_label);
         m_atWork.set_value();
+        if (m_label == "upload") pause();  // the fault: sleeps without an end
         while (!StopRequested()) {
-            if (m_label == "upload") pause();  // the fault: sleeps without an end
             TimedWait(0, 50'000'000);
         }
     }
