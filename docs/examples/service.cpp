@@ -50,4 +50,4 @@ int main() {
     signals->Stop();
     pool.TerminateAll();
     quor::Log::GetInstance().Info("Stopped");
-}  // the end of the process deletes the PID file, then closes the trace
+}  // the end of the process closes the trace, then deletes the PID file
