@@ -8,7 +8,7 @@ int main() {
     const pid_t child = fork();
     if (child == 0) {
         QUOR_TRACE(quor::Low, "the child, under its own id");
-        _exit(0);  // exit() would write the parent's trailer and delete its PID file
+        _exit(0);  // exit() would write the parent's trailer
     }
     waitpid(child, nullptr, 0);
     QUOR_TRACE(quor::Low, "the parent goes on");
