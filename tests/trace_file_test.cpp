@@ -1,5 +1,9 @@
 #include "support.h"
 
+#include <signal.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+
 namespace quor_test {
 
 constexpr const char* c_changed = "[#: #] *** Trace level changed to ";
@@ -132,11 +136,36 @@ TEST(TraceFile, PrefixesTextsAsTheFlagsSayAndEndsThemAtTheirNul) {
 TEST(TraceFile, StampsLinesWithThreadAndLocalTimeOfDay) {
     const ScopedZone zone("XYZ-2");
     const TraceTap trace;
-    const FakeClock clock(12'345);
+    FakeClock clock(12'345);
     Line(Low, "x");
-    char expected[100];
-    std::snprintf(expected, 100, "\n[%05d: 05:25:45.000000000]   76: x\n", GetTid());
-    EXPECT_NE(ReadFile("trace.log").find(expected), std::string::npos);
+    ScopedZone::Set("XYZ-3");
+    Line(Low, "y");
+    clock.Advance(1);
+    Line(Low, "z");
+    const std::string head =
+        "\n[" +
+        (std::string(5, '0') + std::to_string(GetTid())).substr(std::to_string(GetTid()).size()) +
+        ": ";
+    EXPECT_THAT(ReadFile("trace.log"), testing::HasSubstr(head + "05:25:45.000000000]   76: x" +
+                                                          head + "06:25:45.000000000]   76: y" +
+                                                          head + "06:25:46.000000000]   76: z\n"));
+}
+
+TEST(TraceFileProcess, StampsLinesOfAForkedOrClonedChildWithItsOwnThread) {
+    TraceTap trace;
+    Line(Low, "parent");
+    for (const bool raw : {false, true}) {
+        const pid_t child =
+            raw ? static_cast<pid_t>(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0)) : fork();
+        if (child == 0) {
+            Line(Low, "of " + std::to_string(syscall(SYS_getpid)));
+            _exit(0);
+        }
+        EXPECT_EQ(waitpid(child, nullptr, 0), child);
+        const std::string id = std::to_string(child);
+        EXPECT_THAT(ReadFile("trace.log"),
+                    testing::ContainsRegex("\n\\[0*" + id + ": [^\n]*of " + id + "\n"));
+    }
 }
 
 __attribute__((noinline)) void DumpAtDepth(int depth) {

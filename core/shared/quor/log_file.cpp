@@ -209,6 +209,11 @@ void LogFile::Write(const char* text, unsigned int /*length*/) {
         line += LineTrailer();
     }
     line += '\n';
+    WriteFinished(line);
+}
+
+void LogFile::WriteFinished(std::string_view line) {
+    const CancellationOff cancellationOff;
     if (write(m_fd, line.data(), line.size()) < 0) {
         HandleError(errno);
     }

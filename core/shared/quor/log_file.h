@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <string>
+#include <string_view>
 
 namespace quor {
 
@@ -62,6 +63,8 @@ protected:
     /// Writes one line: header, `text` up to its NUL, trailer, line feed. `length` is not looked
     /// at. Does nothing on a closed object.
     void Write(const char* text, unsigned int length);
+    /// Writes a line that is complete, its line feed included, as Write() does. Library only.
+    __attribute__((visibility("hidden"))) void WriteFinished(std::string_view line);
     /// Writes `block` unchanged; false when that failed.
     bool WriteHeader(std::string& block);
     /// Calls Error(), unless it is running already.

@@ -25,10 +25,10 @@ TraceLevel_e TraceActiveLevel() {
     return level;
 }
 
-void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
+void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                 const std::string& text) {
     const ErrnoKeeper keeper;
-    TraceFile::GetInstance().Trace(level, function, file, line, text);
+    TraceFile::GetInstance().TraceLine(level, file, line, {}, text.c_str());
 }
 
 // Sites stand in destructors and in the last handlers of threads, where an exception would end the
@@ -36,7 +36,7 @@ void TraceWrite(TraceLevel_e level, const char* function, const char* file, int 
 void TraceFnc::Write(const char* arrow) const noexcept {
     const ErrnoKeeper keeper;
     try {
-        TraceWrite(High, m_function, m_file, m_line, std::string(arrow) + m_function);
+        TraceFile::GetInstance().TraceLine(High, m_file, m_line, arrow, m_function);
     } catch (...) {
     }
 }

@@ -8,10 +8,13 @@
 #include <atomic>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace quor {
 
 bool TraceGateOpen(TraceLevel_e level) noexcept;
+void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
+                const std::string& text);
 
 /// The trace of the process: leveled lines in a file or on standard output.
 ///
@@ -88,6 +91,9 @@ public:
 
 private:
     friend bool TraceGateOpen(TraceLevel_e level) noexcept;
+    friend void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
+                           const std::string& text);
+    friend class TraceFnc;
     struct AtExit;
 
     TraceFile();
@@ -97,7 +103,13 @@ private:
     std::string FileTrailer() const override;
     std::string LineHeader() const override;
 
+    // Trace() of `mark` and `text`. All but the stamp is put together before m_mutex is taken.
+    __attribute__((visibility("hidden"))) void TraceLine(TraceLevel_e level, const char* file,
+                                                         int line, std::string_view mark,
+                                                         const char* text);
+
     // All but End() are called with m_mutex held.
+    __attribute__((visibility("hidden"))) void Stamp(char* stamp) const;
     void StartLocked(TraceLevel_e level);
     void StopLocked();
     void End();
