@@ -94,6 +94,19 @@ TEST(TraceMacro, PrintsNumbersPlainlyWhateverTheLocaleAndTheMessageBefore) {
     std::locale::global(previous);
 }
 
+TEST(TraceMacro, NeedsNoMemoryUpTo400CharactersAndKeepsLongerTextsWhole) {
+    TraceTap trace;
+    TraceFile::GetInstance().SetPrintLine(false);
+    const std::string text(399, 'x');
+    {
+        const ScopedValue memory(Hooks::allocations, 0);
+        QUOR_TRACE(Low, text << 1);
+    }
+    QUOR_TRACE(Low, text << 23 << text << text << text << '\0' << text);
+    EXPECT_EQ(trace.News(),
+              "[#: #] " + text + "1\n[#: #] " + text + "23" + text + text + text + "\n");
+}
+
 TEST(TraceMacro, KeepsErrnoAndLetsOutOnlyWhatTheMessageThrows) {
     TraceTap trace(High);
     const Redirected errors(STDERR_FILENO, "errors");

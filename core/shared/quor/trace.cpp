@@ -1,6 +1,7 @@
 #include <quor/trace.h>
 
 #include <cerrno>
+#include <limits>
 #include <locale>
 
 namespace quor {
@@ -41,8 +42,12 @@ void TraceFnc::Write(const char* arrow) const noexcept {
     }
 }
 
-TraceMessage::TraceMessage() : m_errno(errno) {
-    m_stream.imbue(std::locale::classic());
+// A stream of its own for every message costs half of it, but needs no care when the message itself
+// traces, throws, or leaves manipulators behind.
+TraceMessage::TraceMessage() : m_errno(errno), m_stream(&m_buffer) {
+    if (m_stream.getloc() != std::locale::classic()) {
+        m_stream.imbue(std::locale::classic());
+    }
     errno = m_errno;
 }
 
@@ -50,12 +55,30 @@ TraceMessage::~TraceMessage() {
     errno = m_errno;
 }
 
-void TraceMessage::Write(TraceLevel_e level, const char* function, const char* file,
+void TraceMessage::Write(TraceLevel_e level, const char* /*function*/, const char* file,
                          int line) const noexcept {
     try {
-        TraceWrite(level, function, file, line, m_stream.str());
+        TraceFile::GetInstance().TraceLine(level, file, line, {}, m_buffer.Text());
     } catch (...) {
     }
+}
+
+// Doubles the room. What does not fit any more is lost.
+TraceMessage::Buffer::int_type TraceMessage::Buffer::overflow(int_type next) {
+    const std::string_view text(pbase(), static_cast<std::size_t>(pptr() - pbase()));
+    if (text.size() > std::numeric_limits<int>::max() / 2) {
+        return traits_type::eof();
+    }
+    std::string larger;
+    larger.reserve(2 * text.size());
+    larger = text;
+    larger.resize(2 * text.size());
+    m_heap.swap(larger);
+    setp(m_heap.data(), m_heap.data() + m_heap.size());
+    pbump(static_cast<int>(text.size()));
+    return traits_type::eq_int_type(next, traits_type::eof())
+               ? traits_type::not_eof(next)
+               : sputc(traits_type::to_char_type(next));
 }
 
 }  // namespace quor

@@ -5,7 +5,8 @@
 #include <quor/trace_level.h>
 
 #include <cstddef>
-#include <sstream>
+#include <ostream>
+#include <streambuf>
 #include <string>
 
 /// Sites above this level are left out at compile time; their messages are still type-checked.
@@ -96,7 +97,8 @@ private:
     int m_line;
 };
 
-/// The message of one trace site while it is built; made by QUOR_TRACE. Keeps errno.
+/// The message of one trace site while it is built; made by QUOR_TRACE. Allocates nothing up to 400
+/// characters. Keeps errno.
 class TraceMessage {
 public:
     TraceMessage();
@@ -108,8 +110,25 @@ public:
     void Write(TraceLevel_e level, const char* function, const char* file, int line) const noexcept;
 
 private:
+    class Buffer : public std::streambuf {
+    public:
+        Buffer() { setp(m_stack, m_stack + sizeof(m_stack) - 1); }
+        const char* Text() const {
+            *pptr() = '\0';
+            return pbase();
+        }
+
+    protected:
+        int_type overflow(int_type next) override;
+
+    private:
+        char m_stack[401];
+        std::string m_heap;  // holds a longer text
+    };
+
     int m_errno;
-    std::ostringstream m_stream;
+    Buffer m_buffer;
+    std::ostream m_stream;
 };
 
 /// The base name of a source file without its extension, made by the compiler.

@@ -94,6 +94,7 @@ private:
     friend void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
                            const std::string& text);
     friend class TraceFnc;
+    friend class TraceMessage;
     struct AtExit;
 
     TraceFile();
