@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 namespace quor {
 namespace {
@@ -26,21 +27,6 @@ using CText = std::unique_ptr<char, Free>;
 
 CText Demangle(const char* mangled) {
     return CText(abi::__cxa_demangle(mangled, nullptr, nullptr, nullptr));
-}
-
-std::string FrameText(void* address, const char* fallback) {
-    Dl_info info{};
-    if (dladdr(address, &info) == 0 || info.dli_sname == nullptr) {
-        return fallback;
-    }
-    const CText function = Demangle(info.dli_sname);
-    if (function == nullptr) {
-        return fallback;
-    }
-    char text[500];
-    std::snprintf(text, sizeof(text), "%s(%s) [0x%" PRIxPTR "]", info.dli_fname, function.get(),
-                  reinterpret_cast<std::uintptr_t>(info.dli_saddr));
-    return text;
 }
 
 }  // namespace
@@ -66,6 +52,22 @@ std::string CppName(const std::type_info& type) {
     return CppName(type.name());
 }
 
+// The C library searches all symbols of the object for an address, and does it again for its own
+// text: that is asked for only where there is no better.
+std::string FrameText(void* address) {
+    Dl_info info{};
+    const bool known = dladdr(address, &info) != 0 && info.dli_sname != nullptr;
+    const CText function = known ? Demangle(info.dli_sname) : nullptr;
+    if (function == nullptr) {
+        const std::unique_ptr<char*, Free> symbols(backtrace_symbols(&address, 1));
+        return symbols != nullptr ? *symbols : std::string();
+    }
+    char text[500];
+    std::snprintf(text, sizeof(text), "%s(%s) [0x%" PRIxPTR "]", info.dli_fname, function.get(),
+                  reinterpret_cast<std::uintptr_t>(info.dli_saddr));
+    return text;
+}
+
 // Inlined, or entered by a jump, it would lose its own frame and the skipped one would be its
 // caller's.
 __attribute__((noinline)) std::vector<std::string> GetExecutionStack(int depth) {
@@ -75,13 +77,13 @@ __attribute__((noinline)) std::vector<std::string> GetExecutionStack(int depth) 
     if (count <= 1) {
         return stack;
     }
-    const std::unique_ptr<char*, Free> symbols(backtrace_symbols(frames, count));
-    if (symbols == nullptr) {
-        return stack;
-    }
     stack.reserve(static_cast<std::size_t>(count) - 1);
     for (int index = 1; index < count; ++index) {
-        stack.push_back(FrameText(frames[index], symbols.get()[index]));
+        std::string text = FrameText(frames[index]);
+        if (text.empty()) {
+            return {};
+        }
+        stack.push_back(std::move(text));
     }
     return stack;
 }

@@ -36,6 +36,10 @@ std::string CppName(const std::type_info& type);
 /// never returns may show the function that follows in memory, a fact of return addresses.
 std::vector<std::string> GetExecutionStack(int depth);
 
+/// The text that a frame with this return address has in GetExecutionStack(), or an empty one when
+/// memory is short. Only for the library: not exported.
+__attribute__((visibility("hidden"))) std::string FrameText(void* address);
+
 /// The stack text of the calling function, or an empty text when there is no stack.
 std::string ThisFncName();
 
