@@ -12,6 +12,7 @@ namespace {
 constexpr int c_formatFull = Time::eDate | Time::eTimeOfDay | Time::eNanoSec;
 constexpr int c_formatLine = Time::eDate | Time::eTimeOfDay;
 constexpr std::size_t c_levelNameWidth = 8;
+constexpr std::size_t c_headerRoom = 32;  // a stamp has at most 29 characters
 
 }  // namespace
 
@@ -83,17 +84,19 @@ void Log::Error(int errorCode) {
 
 void Log::WriteMessage(const std::string& levelName, const std::string& text) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::string message(levelName);
-    message.resize(std::max(message.size(), c_levelNameWidth), ' ');
-    message += ": ";
-    message += text;
+    LineRoom room(c_levelNameWidth + levelName.size() + sizeof(": ") + text.size());
+    char* end = Put(room.Begin(), levelName);
+    while (end < room.Begin() + c_levelNameWidth) {
+        *end++ = ' ';
+    }
+    const std::string_view message = room.TextTo(Put(Put(end, ": "), text));
     if (!WriteToFile(message) && !TraceFile::GetInstance().IsActive()) {
         std::cout << message << '\n';
     }
     QUOR_TRACE(Low, message);
 }
 
-bool Log::WriteToFile(const std::string& message) {
+bool Log::WriteToFile(std::string_view message) {
     if (FileName().empty()) {
         return false;
     }
@@ -101,7 +104,9 @@ bool Log::WriteToFile(const std::string& message) {
     if (!Open(FileName(), false)) {
         return false;
     }
-    Write(message.c_str(), static_cast<unsigned int>(message.size()));
+    LineRoom room(c_headerRoom + message.size() + 1);
+    char* const end = Put(PutHeader(room.Begin()), message.substr(0, message.find('\0')));
+    WriteFinished(room.TextTo(Put(end, "\n")));
     return true;
 }
 
@@ -114,8 +119,12 @@ std::string Log::FileHeader() const {
 }
 
 std::string Log::LineHeader() const {
-    m_lineTime.UpdateToCurrent();
-    return std::string("[") + m_lineTime.Text() + "] ";
+    char header[c_headerRoom];
+    return {header, PutHeader(header)};
+}
+
+char* Log::PutHeader(char* end) const {
+    return Put(Put(Put(end, "["), m_lineTime.CurrentText(m_lineZone)), "] ");
 }
 
 }  // namespace quor

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace quor {
 
@@ -55,10 +56,12 @@ private:
     void Error(int errorCode) override;
 
     void WriteMessage(const std::string& levelName, const std::string& text);
-    bool WriteToFile(const std::string& message);
+    bool WriteToFile(std::string_view message);
+    __attribute__((visibility("hidden"))) char* PutHeader(char* end) const;
 
     const std::string m_levelNames[4];
-    Time m_lineTime;  // guarded by m_mutex
+    Time m_lineTime;                // guarded by m_mutex
+    mutable Time::Zone m_lineZone;  // of m_lineTime's text; guarded by m_mutex
     std::mutex m_mutex;
 };
 

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <iostream>
 
 namespace quor {
@@ -169,7 +168,7 @@ bool LogFile::Open(const std::string& fileName, bool sync) {
 bool LogFile::WriteOpeningBlock(bool append) {
     try {
         std::string block = append ? AppendBanner() : FileHeader();
-        return WriteHeader(block);
+        return block.empty() || WriteHeader(block);
     } catch (...) {
         // Without a block the object must not stay open: nobody would close it.
         if (!m_fileName.empty()) {
@@ -200,16 +199,11 @@ void LogFile::Write(const char* text, unsigned int /*length*/) {
         return;
     }
     const CancellationOff cancellationOff;
-    std::string line;
-    if (m_printLineHeader) {
-        line = LineHeader();
-    }
-    line += text;
-    if (m_printLineTrailer) {
-        line += LineTrailer();
-    }
-    line += '\n';
-    WriteFinished(line);
+    const std::string_view body(text);
+    const std::string header = m_printLineHeader ? LineHeader() : std::string();
+    const std::string trailer = m_printLineTrailer ? LineTrailer() : std::string();
+    LineRoom room(header.size() + body.size() + trailer.size() + 1);
+    WriteFinished(room.TextTo(Put(Put(Put(Put(room.Begin(), header), body), trailer), "\n")));
 }
 
 void LogFile::WriteFinished(std::string_view line) {

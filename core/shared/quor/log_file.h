@@ -2,6 +2,9 @@
 #define QUOR_LOG_FILE_H
 
 #include <atomic>
+#include <cstddef>
+#include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -40,6 +43,13 @@ public:
 protected:
     static const std::string c_emptyStr;
 
+    class LineRoom;
+    /// Copies `text` to `end` and gives the new end.
+    static char* Put(char* end, std::string_view text) {
+        std::memcpy(end, text.data(), text.size());
+        return end + text.size();
+    }
+
     /// The five texts; all empty here. Blocks are written as they are, line feeds included.
     virtual std::string FileHeader() const;
     virtual std::string AppendBanner() const;
@@ -63,13 +73,14 @@ protected:
     /// Writes one line: header, `text` up to its NUL, trailer, line feed. `length` is not looked
     /// at. Does nothing on a closed object.
     void Write(const char* text, unsigned int length);
-    /// Writes a line that is complete, its line feed included, as Write() does. Library only.
+    /// Writes a complete line, its line feed included, as Write() does. Only for the library.
     __attribute__((visibility("hidden"))) void WriteFinished(std::string_view line);
     /// Writes `block` unchanged; false when that failed.
     bool WriteHeader(std::string& block);
     /// Calls Error(), unless it is running already.
     void HandleError(int errorCode);
 
+    bool PrintsLineHeader() const { return m_printLineHeader; }
     bool IsOpen() const { return m_fd != -1; }
     /// The name last given to Open().
     const std::string& FileName() const { return m_fileName; }
@@ -86,6 +97,26 @@ private:
     bool m_handlingError;
     std::atomic<bool> m_printLineHeader;
     std::atomic<bool> m_printLineTrailer;
+};
+
+/// The room in which the library puts a line together: on the stack unless it is long. Who fills it
+/// keeps the end himself, so that it stays in a register.
+class LogFile::LineRoom {
+public:
+    explicit LineRoom(std::size_t size)
+        : m_heap(size > sizeof(m_stack) ? new char[size] : nullptr) {}
+    LineRoom(const LineRoom&) = delete;
+    LineRoom& operator=(const LineRoom&) = delete;
+    ~LineRoom() = default;
+
+    char* Begin() { return m_heap != nullptr ? m_heap.get() : m_stack; }
+    std::string_view TextTo(const char* end) {
+        return {Begin(), static_cast<std::size_t>(end - Begin())};
+    }
+
+private:
+    char m_stack[640];
+    std::unique_ptr<char[]> m_heap;
 };
 
 }  // namespace quor

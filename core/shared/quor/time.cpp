@@ -62,22 +62,81 @@ signed char ZoneMark(const tm& fields) {
     return fits ? static_cast<signed char>(quarters) : c_otherZone;
 }
 
-// Room for any value of every field, so that only the last step cuts.
-constexpr std::size_t c_longestText = 160;
+// The texts "00" to "99": two digits are had for one division.
+struct DigitPairs {
+    constexpr DigitPairs() : m_pairs{} {
+        for (int number = 0; number < 100; ++number) {
+            m_pairs[number][0] = static_cast<char>('0' + number / 10);
+            m_pairs[number][1] = static_cast<char>('0' + number % 10);
+        }
+    }
+    char m_pairs[100][2];
+};
+constexpr DigitPairs c_digitPairs;
 
-int PrintCalendar(char (&text)[c_longestText], int form, const tm& fields) {
-    int length = 0;
+char* PutPair(char* text, std::uint32_t number) {
+    std::memcpy(text, c_digitPairs.m_pairs[number], 2);
+    return text + 2;
+}
+
+char* PutPair(char* text, int number) {
+    return PutPair(text, static_cast<std::uint32_t>(number));
+}
+
+char* PutDate(char* text, long year, const tm& fields) {
+    text = PutPair(text, static_cast<int>(year / 100));
+    text = PutPair(text, static_cast<int>(year % 100));
+    *text++ = '-';
+    text = PutPair(text, fields.tm_mon + 1);
+    *text++ = '-';
+    return PutPair(text, fields.tm_mday);
+}
+
+char* PutTimeOfDay(char* text, const tm& fields) {
+    text = PutPair(text, fields.tm_hour);
+    *text++ = ':';
+    text = PutPair(text, fields.tm_min);
+    *text++ = ':';
+    return PutPair(text, fields.tm_sec);
+}
+
+char* PutFraction(char* text, long nanoseconds) {
+    const auto number = static_cast<std::uint32_t>(nanoseconds);
+    PutPair(text, number / 100'000'000);  // a zero, which the point covers, and the first digit
+    PutPair(text + 2, number / 1'000'000 % 100);
+    PutPair(text + 4, number / 10'000 % 100);
+    PutPair(text + 6, number / 100 % 100);
+    text[0] = '.';
+    return PutPair(text + 8, number % 100);
+}
+
+// The texts of all years that are in use; they fit whatever the form.
+void PutCalendar(char* text, int form, long year, const timespec& time, const tm& fields) {
     if ((form & Time::eDate) != 0) {
-        // Wider than int: the year of a far 64-bit time does not wrap.
-        length = std::snprintf(text, sizeof(text), "%4ld-%02d-%02d%s", fields.tm_year + 1900L,
-                               fields.tm_mon + 1, fields.tm_mday,
-                               (form & Time::eTimeOfDay) != 0 ? " " : "");
+        text = PutDate(text, year, fields);
+    }
+    if ((form & Time::eDate) != 0 && (form & Time::eTimeOfDay) != 0) {
+        *text++ = ' ';
     }
     if ((form & Time::eTimeOfDay) != 0) {
-        length += std::snprintf(text + length, sizeof(text) - static_cast<std::size_t>(length),
-                                "%02d:%02d:%02d", fields.tm_hour, fields.tm_min, fields.tm_sec);
+        text = PutTimeOfDay(text, fields);
     }
-    return length;
+    if ((form & Time::eNanoSec) != 0) {
+        text = PutFraction(text, time.tv_nsec);
+    }
+    *text = '\0';
+}
+
+// A calendar text with any other year; what does not fit is cut.
+template <std::size_t Size>
+void PrintCalendar(char (&text)[Size], int form, long year, const timespec& time,
+                   const tm& fields) {
+    const char* const format = (form & Time::eTimeOfDay) == 0 ? "%4ld-%02d-%02d"
+                               : (form & Time::eNanoSec) == 0
+                                   ? "%4ld-%02d-%02d %02d:%02d:%02d"
+                                   : "%4ld-%02d-%02d %02d:%02d:%02d.%09ld";
+    std::snprintf(text, Size, format, year, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
+                  fields.tm_min, fields.tm_sec, time.tv_nsec);
 }
 
 }  // namespace
@@ -175,24 +234,21 @@ void Time::UpdateToCurrent() const {
 
 void Time::ToText() const {
     const int form = m_format & ~eUtc;
-    const bool calendar = IsCalendarForm(form);
-    const tm fields = calendar ? BreakDown(m_time.tv_sec, (m_format & eUtc) != 0) : tm{};
-    char text[c_longestText];
-    int length = 0;
-    if (calendar) {
-        length = PrintCalendar(text, form, fields);
-    } else {
-        length = std::snprintf(text, sizeof(text), "%ld", static_cast<long>(m_time.tv_sec));
-    }
-    if (!calendar || (form & eNanoSec) != 0) {
-        std::snprintf(text + length, sizeof(text) - static_cast<std::size_t>(length), ".%09ld",
-                      m_time.tv_nsec);
-    }
-    const std::size_t kept = strnlen(text, sizeof(m_text) - 1);
-    std::memcpy(m_text, text, kept);
-    m_text[kept] = '\0';
-    m_textZone = ZoneMark(fields);
     m_textStale = false;
+    if (!IsCalendarForm(form)) {
+        std::snprintf(m_text, sizeof(m_text), "%ld.%09ld", static_cast<long>(m_time.tv_sec),
+                      m_time.tv_nsec);
+        return;
+    }
+    const tm fields = BreakDown(m_time.tv_sec, (m_format & eUtc) != 0);
+    // Wider than int: the year of a far 64-bit time does not wrap.
+    const long year = fields.tm_year + 1900L;
+    if ((form & eDate) != 0 && (year < 1000 || year > 9999)) {
+        PrintCalendar(m_text, form, year, m_time, fields);
+    } else {
+        PutCalendar(m_text, form, year, m_time, fields);
+    }
+    m_textZone = ZoneMark(fields);
 }
 
 bool Time::IsZoneOfTextCurrent() const {
@@ -205,6 +261,30 @@ bool Time::IsZoneOfTextCurrent() const {
 const char* Time::Text() const {
     if (m_textStale || !IsZoneOfTextCurrent()) {
         ToText();
+    }
+    return m_text;
+}
+
+// To break a second down costs more than all the rest of a line. The zone is read without the C
+// library's lock: a tzset() in another thread at worst makes the text look out of date.
+const char* Time::CurrentText(Zone& zone) const {
+    Zone now;
+    now.m_names[0] = __atomic_load_n(&tzname[0], __ATOMIC_RELAXED);
+    now.m_names[1] = __atomic_load_n(&tzname[1], __ATOMIC_RELAXED);
+    now.m_offset = __atomic_load_n(&timezone, __ATOMIC_RELAXED);
+    now.m_summerTime = __atomic_load_n(&daylight, __ATOMIC_RELAXED);
+    const bool sameZone = now.m_names[0] == zone.m_names[0] && now.m_names[1] == zone.m_names[1] &&
+                          now.m_offset == zone.m_offset && now.m_summerTime == zone.m_summerTime;
+    const bool usable = sameZone && !m_textStale;
+    const time_t second = m_time.tv_sec;
+    if (!sameZone) {
+        zone = now;  // before the conversion: a change in its middle is seen next time
+    }
+    clock_gettime(CLOCK_REALTIME, &m_time);
+    if (__builtin_expect(!usable || m_time.tv_sec != second, 0)) {
+        ToText();
+    } else if ((m_format & eNanoSec) != 0) {
+        PutFraction(m_text + sizeof("15:53:46") - 1, m_time.tv_nsec);
     }
     return m_text;
 }

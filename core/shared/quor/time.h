@@ -73,8 +73,19 @@ private:
     friend std::ostream& operator<<(std::ostream& stream, const Time& time);
     friend Time CreateTime(const std::string& text);
 
+    /// What the C library shows of the time zone. Zones that differ in nothing but the days on
+    /// which summer time begins and ends look alike.
+    struct Zone {
+        const char* m_names[2] = {};  // never freed, and equal names are one
+        long m_offset = 0;
+        int m_summerTime = 0;
+    };
+
     void Normalise();
     const char* Text() const;
+    /// Reads the clock and gives the text, for the stamps of lines (forms 3 and 6): as long as the
+    /// second and the zone, kept in `zone`, stay the same, only the nanoseconds are written.
+    __attribute__((visibility("hidden"))) const char* CurrentText(Zone& zone) const;
     bool IsZoneOfTextCurrent() const;
 
     int m_format;              // Format_e flags

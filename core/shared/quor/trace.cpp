@@ -5,20 +5,6 @@
 #include <locale>
 
 namespace quor {
-namespace {
-
-class ErrnoKeeper {
-public:
-    ErrnoKeeper() : m_errno(errno) {}
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
-    ~ErrnoKeeper() { errno = m_errno; }
-
-private:
-    int m_errno;
-};
-
-}  // namespace
 
 TraceLevel_e TraceActiveLevel() {
     TraceLevel_e level = Off;
@@ -28,14 +14,12 @@ TraceLevel_e TraceActiveLevel() {
 
 void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                 const std::string& text) {
-    const ErrnoKeeper keeper;
-    TraceFile::GetInstance().TraceLine(level, file, line, {}, text.c_str());
+    TraceFile::GetInstance().TraceLine(level, file, line, nullptr, text.c_str());
 }
 
 // Sites stand in destructors and in the last handlers of threads, where an exception would end the
 // process: a line is not worth that.
 void TraceFnc::Write(const char* arrow) const noexcept {
-    const ErrnoKeeper keeper;
     try {
         TraceFile::GetInstance().TraceLine(High, m_file, m_line, arrow, m_function);
     } catch (...) {
@@ -58,7 +42,7 @@ TraceMessage::~TraceMessage() {
 void TraceMessage::Write(TraceLevel_e level, const char* /*function*/, const char* file,
                          int line) const noexcept {
     try {
-        TraceFile::GetInstance().TraceLine(level, file, line, {}, m_buffer.Text());
+        TraceFile::GetInstance().TraceLine(level, file, line, nullptr, m_buffer.Text());
     } catch (...) {
     }
 }

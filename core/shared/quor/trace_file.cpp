@@ -4,12 +4,11 @@
 #include <quor/ver_info.h>
 
 #include <sys/mman.h>
-#include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <vector>
 
@@ -20,105 +19,39 @@ constexpr int c_formatFull = Time::eDate | Time::eTimeOfDay | Time::eNanoSec;
 constexpr int c_formatLine = Time::eTimeOfDay | Time::eNanoSec;
 constexpr int c_stackDepth = 64;
 
-constexpr std::size_t c_secondLength = 8;  // "15:53:46"
-constexpr std::size_t c_stampLength = 18;  // "15:53:46.123456789"
-// Room for all of a line but the file's name and the text: two numbers, which take 16 characters
-// while they are written, the stamp and the punctuation.
+constexpr std::size_t c_stampLength = 20;  // "15:53:46.123456789] "
+constexpr std::size_t c_roomOfNumber = 16;
+// Room for all of a line but the file's name and the text.
 constexpr std::size_t c_roomOfFrame = 80;
 
 std::string Rule() {
     return std::string(79, '-') + "\n";
 }
 
-// Text of a known greatest size, on the stack unless it is long.
-class LineBuffer {
+class ErrnoKeeper {
 public:
-    explicit LineBuffer(std::size_t room)
-        : m_heap(room > sizeof(m_stack) ? new char[room] : nullptr),
-          m_begin(m_heap != nullptr ? m_heap.get() : m_stack),
-          m_end(m_begin) {}
-    LineBuffer(const LineBuffer&) = delete;
-    LineBuffer& operator=(const LineBuffer&) = delete;
-    ~LineBuffer() = default;
-
-    void Append(std::string_view text) {
-        std::memcpy(m_end, text.data(), text.size());
-        m_end += text.size();
-    }
-    // In decimal, padded on the left.
-    template <char Padding>
-    void Append(int number, int width);
-    // `length` characters out of a whole array: a copy of a fixed size needs no call.
-    template <std::size_t Size>
-    void AppendFixed(const char (&text)[Size], std::size_t length) {
-        std::memcpy(m_end, text, Size);
-        m_end += length;
-    }
-    // Leaves a gap for what is known later.
-    char* Skip(std::size_t size) {
-        char* const gap = m_end;
-        m_end += size;
-        return gap;
-    }
-
-    std::string_view Text() const { return {m_begin, static_cast<std::size_t>(m_end - m_begin)}; }
+    ErrnoKeeper() : m_errno(errno) {}
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    ~ErrnoKeeper() { errno = m_errno; }
 
 private:
-    char m_stack[640];
-    std::unique_ptr<char[]> m_heap;
-    char* m_begin;
-    char* m_end;
+    int m_errno;
 };
 
-// The texts "00" to "99": two digits are had for one division.
-struct DigitPairs {
-    constexpr DigitPairs() : m_pairs{} {
-        for (unsigned number = 0; number < 100; ++number) {
-            m_pairs[number][0] = static_cast<char>('0' + number / 10);
-            m_pairs[number][1] = static_cast<char>('0' + number % 10);
-        }
+// As "%4d" prints it.
+char* PutLineNumber(char* end, int number) {
+    if (number < 0 || number > 9999) {
+        return end + std::snprintf(end, c_roomOfNumber, "%4d", number);
     }
-    void Put(char* text, unsigned number) const { std::memcpy(text, m_pairs[number], 2); }
-
-    char m_pairs[100][2];
-};
-constexpr DigitPairs c_digitPairs;
-
-// Writes the digits of `number` to the left of `end`; gives where they begin. A zero may stand in
-// front of them.
-char* DigitsBefore(char* end, unsigned number) {
-    for (; number >= 100; number /= 100) {
-        c_digitPairs.Put(end -= 2, number % 100);
-    }
-    c_digitPairs.Put(end -= 2, number);
-    return number < 10 ? end + 1 : end;
-}
-
-// Writes twice so many digits, zeros in front included.
-template <int Pairs>
-void DigitsOfFixedWidth(char* text, unsigned number) {
-    if constexpr (Pairs > 1) {
-        DigitsOfFixedWidth<Pairs - 1>(text, number / 100);
-    }
-    c_digitPairs.Put(text + 2 * (Pairs - 1), number % 100);
-}
-
-template <char Padding>
-void LineBuffer::Append(int number, int width) {
-    constexpr std::size_t c_copied = 16;  // any number; a fixed size needs no call
-    char digits[2 * c_copied];
-    std::memset(digits, Padding, sizeof(digits));
-    char* const end = digits + c_copied;
-    const bool negative = number < 0;
-    char* begin = DigitsBefore(
-        end, negative ? 0U - static_cast<unsigned>(number) : static_cast<unsigned>(number));
-    begin[-1] = Padding;  // not the zero in front of a single digit
-    if (negative) {
-        *--begin = '-';
-    }
-    begin = std::min(begin, end - width);
-    std::memcpy(m_end, begin, c_copied);
-    m_end += end - begin;
+    std::memset(end, ' ', 4);
+    char* digit = end + 4;
+    auto rest = static_cast<unsigned>(number);
+    do {
+        *--digit = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0);
+    return end + 4;
 }
 
 // A word that reads 0 in every new process, since the kernel wipes its page on fork, even on one
@@ -138,88 +71,50 @@ std::atomic<unsigned>* MapProcessWord() {
     return new (page) std::atomic<unsigned>(0);
 }
 
-// The start of this thread's lines in this process.
+// The start of this thread's lines in this process, "[01234: ".
 struct LineStart {
     unsigned process;  // what the process word was
     unsigned length;
-    char text[16];  // "[01234: "
+    char text[c_roomOfNumber];
 };
 
-void SetLineStart(LineStart& start, unsigned process) {
-    LineBuffer text(sizeof(start.text));
-    text.Append("[");
-    text.Append<'0'>(GetTid(), 5);
-    text.Append(": ");
-    start.length = static_cast<unsigned>(text.Text().copy(start.text, sizeof(start.text)));
+// In the room that the C library sets aside for libraries loaded late, to be read without a call.
+__attribute__((tls_model("initial-exec"))) thread_local LineStart t_lineStart{};
+
+std::atomic<unsigned>* ProcessWord() {
+    static std::atomic<unsigned>* const word = MapProcessWord();
+    return word;
+}
+
+__attribute__((noinline)) void RenewLineStart() {
+    static std::atomic<unsigned> processes(0);  // grows from parent to child, as fork copies it
+    unsigned process = 0;
+    if (ProcessWord() != nullptr) {
+        const unsigned next = ++processes;
+        process = ProcessWord()->compare_exchange_strong(process, next) ? next : process;
+    }
+    LineStart& start = t_lineStart;
+    start.length =
+        static_cast<unsigned>(std::snprintf(start.text, sizeof(start.text), "[%05d: ", GetTid()));
     start.process = process;
 }
 
 // A thread asks the kernel for its id only once in each process: a system call is dear. A child
 // that shares this memory (CLONE_VM) needs a thread area of its own, as the C library wants too.
 const LineStart& LineStartOfThread() {
-    static std::atomic<unsigned>* const processWord = MapProcessWord();
-    static std::atomic<unsigned> processes(0);  // grows from parent to child, as fork copies it
-    static thread_local LineStart startOfThread{};
-    LineStart& start = startOfThread;  // looked up once
-    unsigned process = processWord != nullptr ? processWord->load() : 0;
-    if (process != 0 && process == start.process) {
-        return start;
+    const std::atomic<unsigned>* const word = ProcessWord();
+    if (word == nullptr || t_lineStart.process == 0 || t_lineStart.process != word->load()) {
+        RenewLineStart();
     }
-    if (process == 0 && processWord != nullptr) {
-        const unsigned next = ++processes;
-        process = processWord->compare_exchange_strong(process, next) ? next : process;
-    }
-    SetLineStart(start, process);
-    return start;
+    return t_lineStart;
 }
 
-// What the C library shows of the time zone. It is not locked against tzset() in another thread,
-// which at worst makes a kept second look out of date. Zones that differ in nothing but the days
-// on which summer time begins and ends look alike.
-class ZoneView {
-public:
-    static ZoneView Current() {
-        ZoneView view;
-        view.m_names[0] = __atomic_load_n(&tzname[0], __ATOMIC_RELAXED);
-        view.m_names[1] = __atomic_load_n(&tzname[1], __ATOMIC_RELAXED);
-        view.m_offset = __atomic_load_n(&timezone, __ATOMIC_RELAXED);
-        view.m_summerTime = __atomic_load_n(&daylight, __ATOMIC_RELAXED);
-        return view;
-    }
-    // The names are never freed, and equal names are one.
-    bool operator==(const ZoneView& other) const {
-        return m_names[0] == other.m_names[0] && m_names[1] == other.m_names[1] &&
-               m_offset == other.m_offset && m_summerTime == other.m_summerTime;
-    }
-
-private:
-    const char* m_names[2]{};
-    long m_offset = 0;
-    int m_summerTime = 0;
-};
-
-// The latest second that a line was stamped with. To break a second down costs more than the rest
-// of the line, so it is done once as long as second and zone stay the same.
-struct KeptSecond {
-    void Keep(time_t second, const ZoneView& zone, const char* timeOfDay) {
-        m_second = second;
-        m_zone = zone;
-        std::memcpy(m_text, timeOfDay, c_secondLength);
-    }
-
-    time_t m_second = 0;
-    ZoneView m_zone;  // at first that of no zone
-    char m_text[c_secondLength]{};
-};
-KeptSecond g_keptSecond;  // guarded by the trace file's mutex
-
-// "[01234: ", the gap for the stamp, "] "; gives the gap.
-char* AppendHeader(LineBuffer& line) {
+// "[01234: ", and a gap for the stamp and its bracket. All of the array is copied: a fixed size
+// needs no call.
+char* PutHeader(char* end) {
     const LineStart& start = LineStartOfThread();
-    line.AppendFixed(start.text, start.length);
-    char* const stamp = line.Skip(c_stampLength);
-    line.Append("] ");
-    return stamp;
+    std::memcpy(end, start.text, sizeof(start.text));
+    return end + start.length + c_stampLength;
 }
 
 }  // namespace
@@ -251,7 +146,12 @@ TraceFile::~TraceFile() {
 
 // The object itself stays: a thread may wait for its mutex while the process exits.
 TraceFile& TraceFile::GetInstance() {
-    static TraceFile& instance = *new TraceFile;
+    static TraceFile& instance = MakeInstance();
+    return instance;
+}
+
+TraceFile& TraceFile::MakeInstance() {
+    auto& instance = *new TraceFile;
     static const AtExit atExit(instance);
     return instance;
 }
@@ -386,45 +286,46 @@ void TraceFile::WriteEntry(const std::string& text) {
 
 void TraceFile::Trace(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                       const std::string& text) {
-    TraceLine(level, file, line, {}, text.c_str());
+    TraceLine(level, file, line, nullptr, text.c_str());
 }
 
-void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, std::string_view mark,
+void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const char* mark,
                           const char* text) {
+    const ErrnoKeeper keeper;
     if (level <= Off || level > m_level) {
         return;
     }
-    bool printHeader = true;
-    GetPrintLineHeader(printHeader);
     const bool printFile = m_printFile;
     const bool printLine = m_printLine;
     const std::string_view source(printFile ? file : "");
+    const std::string_view lead(mark != nullptr ? mark : "");
     const std::string_view message(text);
-    LineBuffer entry(c_roomOfFrame + source.size() + mark.size() + message.size());
-    char* const stamp = printHeader ? AppendHeader(entry) : nullptr;
+    LineRoom room(c_roomOfFrame + source.size() + lead.size() + message.size());
+    char* const header = room.Begin();
+    char* const body = PrintsLineHeader() ? PutHeader(header) : header;
+    char* end = body;
     if (printFile) {
-        entry.Append(source);
+        end = Put(end, source);
     }
     if (printLine) {
-        entry.Append<' '>(line, 4);
+        end = PutLineNumber(end, line);
     }
     if (printFile || printLine) {
-        entry.Append(": ");
+        end = Put(end, ": ");
     }
-    if (!mark.empty()) {
-        entry.Append(mark);
+    if (mark != nullptr) {
+        end = Put(end, lead);
     }
-    entry.Append(message);
-    entry.Append("\n");
+    end = Put(Put(end, message), "\n");
 
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (level > m_level || !IsOpen()) {
         return;
     }
-    if (stamp != nullptr) {
-        Stamp(stamp);
+    if (body != header) {
+        PutStamp(body);
     }
-    WriteFinished(entry.Text());
+    WriteFinished({header, static_cast<std::size_t>(end - header)});
 }
 
 __attribute__((noinline)) void TraceFile::DumpStack() {
@@ -475,23 +376,16 @@ std::string TraceFile::FileTrailer() const {
 }
 
 std::string TraceFile::LineHeader() const {
-    LineBuffer header(c_roomOfFrame);
-    Stamp(AppendHeader(header));
-    return std::string(header.Text());
+    char header[c_roomOfFrame];
+    char* const end = PutHeader(header);
+    PutStamp(end);
+    return {header, end};
 }
 
-void TraceFile::Stamp(char* stamp) const {
-    m_lineTime.UpdateToCurrent();
-    const timespec& now = m_lineTime.m_time;
-    // Read before the conversion: a change in its middle is seen next time.
-    const ZoneView zone = ZoneView::Current();
-    if (now.tv_sec != g_keptSecond.m_second || !(zone == g_keptSecond.m_zone)) {
-        g_keptSecond.Keep(now.tv_sec, zone, m_lineTime.Text());
-    }
-    std::memcpy(stamp, g_keptSecond.m_text, c_secondLength);
-    // Ten digits, the first of which the point covers.
-    DigitsOfFixedWidth<5>(stamp + c_secondLength, static_cast<unsigned>(now.tv_nsec));
-    stamp[c_secondLength] = '.';
+void TraceFile::PutStamp(char* end) const {
+    const char* const timeOfDay = m_lineTime.CurrentText(m_lineZone);
+    std::memcpy(end - c_stampLength, timeOfDay, c_stampLength - 2);
+    std::memcpy(end - 2, "] ", 2);
 }
 
 }  // namespace quor

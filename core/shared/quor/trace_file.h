@@ -8,7 +8,6 @@
 #include <atomic>
 #include <mutex>
 #include <string>
-#include <string_view>
 
 namespace quor {
 
@@ -98,19 +97,21 @@ private:
     struct AtExit;
 
     TraceFile();
+    __attribute__((visibility("hidden"))) static TraceFile& MakeInstance();
 
     std::string FileHeader() const override;
     std::string AppendBanner() const override;
     std::string FileTrailer() const override;
     std::string LineHeader() const override;
 
-    // Trace() of `mark` and `text`. All but the stamp is put together before m_mutex is taken.
+    // Trace() of `mark` and `text`, which keeps errno. All but the stamp is put together before
+    // m_mutex is taken.
     __attribute__((visibility("hidden"))) void TraceLine(TraceLevel_e level, const char* file,
-                                                         int line, std::string_view mark,
+                                                         int line, const char* mark,
                                                          const char* text);
 
     // All but End() are called with m_mutex held.
-    __attribute__((visibility("hidden"))) void Stamp(char* stamp) const;
+    __attribute__((visibility("hidden"))) void PutStamp(char* end) const;
     void StartLocked(TraceLevel_e level);
     void StopLocked();
     void End();
@@ -128,9 +129,10 @@ private:
 
     std::atomic<TraceLevel_e> m_level;
     std::atomic<bool> m_active;
-    Time m_lineTime;               // guarded by m_mutex
-    std::string m_traceFileName;   // guarded by m_mutex
-    std::string m_traceDirectory;  // guarded by m_mutex
+    Time m_lineTime;                // guarded by m_mutex
+    mutable Time::Zone m_lineZone;  // of m_lineTime's text; guarded by m_mutex
+    std::string m_traceFileName;    // guarded by m_mutex
+    std::string m_traceDirectory;   // guarded by m_mutex
     std::atomic<bool> m_printFile;
     std::atomic<bool> m_printLine;
     std::atomic<bool> m_dumpStack;
