@@ -10,8 +10,9 @@ constexpr int c_formatStatistics = Time::eUtc | Time::eTimeOfDay | Time::eNanoSe
 constexpr unsigned long c_mostSeconds = 4'294'967'295;  // no pass is longer
 
 void EndLoop(StopWatch& watch, const Time& now) {
-    watch.m_lastLoop = now - watch.m_loopStart;
-    if (!(watch.m_lastLoop == watch.m_maxLoop) && !(watch.m_lastLoop < watch.m_maxLoop)) {
+    watch.m_lastLoop = now;
+    watch.m_lastLoop -= watch.m_loopStart;
+    if (!(watch.m_lastLoop < watch.m_maxLoop) && !(watch.m_lastLoop == watch.m_maxLoop)) {
         watch.m_maxLoop = watch.m_lastLoop;
     }
     if (watch.m_lastLoop < watch.m_minLoop) {
@@ -48,7 +49,7 @@ void StopWatch::NextLoop() {
         Start();
         return;
     }
-    const Time now = Time::Now(c_formatReading);
+    const Time now(c_formatReading);
     EndLoop(*this, now);
     m_loopStart = now;
     ++m_loops;
@@ -58,7 +59,7 @@ void StopWatch::Stop() {
     if (!m_running) {
         return;
     }
-    const Time now = Time::Now(c_formatReading);
+    const Time now(c_formatReading);
     m_total = now - m_start;
     ++m_loops;
     if (m_start == m_loopStart) {

@@ -14,16 +14,18 @@ TraceLevel_e TraceActiveLevel() {
 
 void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                 const std::string& text) {
-    TraceFile::GetInstance().TraceLine(level, file, line, nullptr, text.c_str());
+    TraceFile::GetInstance().TraceLine(level, file, line, text.c_str());
 }
 
 // Sites stand in destructors and in the last handlers of threads, where an exception would end the
 // process: a line is not worth that.
-void TraceFnc::Write(const char* arrow) const noexcept {
+void TraceFnc::Write(const char* arrow, const char* function, const char* file, int line) noexcept {
+    const int savedErrno = errno;
     try {
-        TraceFile::GetInstance().TraceLine(High, m_file, m_line, arrow, m_function);
+        TraceWrite(High, function, file, line, std::string(arrow) + function);
     } catch (...) {
     }
+    errno = savedErrno;
 }
 
 // A stream of its own for every message costs half of it, but needs no care when the message itself
@@ -42,7 +44,7 @@ TraceMessage::~TraceMessage() {
 void TraceMessage::Write(TraceLevel_e level, const char* /*function*/, const char* file,
                          int line) const noexcept {
     try {
-        TraceFile::GetInstance().TraceLine(level, file, line, nullptr, m_buffer.Text());
+        TraceFile::GetInstance().TraceLine(level, file, line, m_buffer.Text());
     } catch (...) {
     }
 }

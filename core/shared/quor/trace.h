@@ -78,19 +78,20 @@ public:
     TraceFnc(const char* function, const char* file, int line) noexcept
         : m_function(function), m_file(file), m_line(line) {
         if (TraceGateOpen(High)) {
-            Write("==> ");
+            Write("==> ", m_function, m_file, m_line);
         }
     }
     TraceFnc(const TraceFnc&) = delete;
     TraceFnc& operator=(const TraceFnc&) = delete;
     virtual ~TraceFnc() {
         if (TraceGateOpen(High)) {
-            Write("<== ");
+            Write("<== ", m_function, m_file, m_line);
         }
     }
 
 private:
-    void Write(const char* arrow) const noexcept;
+    // Static: an object whose address goes nowhere is not even built while the gate is closed.
+    static void Write(const char* arrow, const char* function, const char* file, int line) noexcept;
 
     const char* m_function;
     const char* m_file;

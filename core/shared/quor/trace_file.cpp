@@ -286,11 +286,10 @@ void TraceFile::WriteEntry(const std::string& text) {
 
 void TraceFile::Trace(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                       const std::string& text) {
-    TraceLine(level, file, line, nullptr, text.c_str());
+    TraceLine(level, file, line, text.c_str());
 }
 
-void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const char* mark,
-                          const char* text) {
+void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const char* text) {
     const ErrnoKeeper keeper;
     if (level <= Off || level > m_level) {
         return;
@@ -298,9 +297,8 @@ void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const 
     const bool printFile = m_printFile;
     const bool printLine = m_printLine;
     const std::string_view source(printFile ? file : "");
-    const std::string_view lead(mark != nullptr ? mark : "");
     const std::string_view message(text);
-    LineRoom room(c_roomOfFrame + source.size() + lead.size() + message.size());
+    LineRoom room(c_roomOfFrame + source.size() + message.size());
     char* const header = room.Begin();
     char* const body = PrintsLineHeader() ? PutHeader(header) : header;
     char* end = body;
@@ -312,9 +310,6 @@ void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const 
     }
     if (printFile || printLine) {
         end = Put(end, ": ");
-    }
-    if (mark != nullptr) {
-        end = Put(end, lead);
     }
     end = Put(Put(end, message), "\n");
 

@@ -92,7 +92,6 @@ private:
     friend bool TraceGateOpen(TraceLevel_e level) noexcept;
     friend void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
                            const std::string& text);
-    friend class TraceFnc;
     friend class TraceMessage;
     struct AtExit;
 
@@ -104,11 +103,10 @@ private:
     std::string FileTrailer() const override;
     std::string LineHeader() const override;
 
-    // Trace() of `mark` and `text`, which keeps errno. All but the stamp is put together before
-    // m_mutex is taken.
+    // Trace() of a C string that keeps errno. All but the stamp is put together before m_mutex is
+    // taken.
     __attribute__((visibility("hidden"))) void TraceLine(TraceLevel_e level, const char* file,
-                                                         int line, const char* mark,
-                                                         const char* text);
+                                                         int line, const char* text);
 
     // All but End() are called with m_mutex held.
     __attribute__((visibility("hidden"))) void PutStamp(char* end) const;
