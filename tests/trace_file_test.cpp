@@ -190,6 +190,32 @@ TEST(TraceFile, DumpsTheStackAsOneEntryOfNumberedLinesAndAnEmptyOne) {
     EXPECT_THAT(trace.News(), testing::ContainsRegex("\n62\\. [^\n]+\n63\\. [^\n]+\n\n$"));
 }
 
+TEST(TraceFile, ReopenLetsGoOfARenamedFileAndOfNothingElse) {
+    TraceTap trace(Off);
+    File().Reopen();
+    EXPECT_FALSE(std::filesystem::exists("trace.log"));
+    File().Start(Low);
+    File().Pause();
+    std::filesystem::rename("trace.log", "paused");
+    File().Reopen();
+    EXPECT_FALSE(TraceGateOpen(Low));
+    File().Continue();
+    std::filesystem::rename("trace.log", "running");
+    File().Reopen();
+    EXPECT_TRUE(TraceGateOpen(Low));
+    {
+        const Redirected errors(STDERR_FILENO, "errors");
+        const ScopedValue full(g_hooks.diskFull, true);
+        Line(Low, "lost");
+    }
+    File().Reopen();
+    Line(Low, "revived");
+    EXPECT_EQ(Masked(ReadFile("running")),
+              TraceOpening("started") + "[#: #] *** Tracing continued. ***\n" + TraceClosing());
+    EXPECT_EQ(trace.News(),
+              TraceOpening("started") + TraceOpening("appended") + "[#: #]   76: revived\n");
+}
+
 TEST(TraceFile, AppendsPastTwoGigabytes) {
     const TraceTap trace(Off);
     constexpr std::uintmax_t c_size = (1ULL << 31) + 1;

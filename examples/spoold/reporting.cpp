@@ -57,8 +57,8 @@ void ReopenTrace(quor::TraceLevel_e level) {
         return;
     }
     quor::TraceFile& trace = quor::TraceFile::GetInstance();
-    trace.Stop();
-    trace.SetLevel(level);  // starts the trace, unless the level is the same as before
+    trace.Reopen();
+    trace.SetLevel(level);  // starts a stopped trace, unless the level is the same as before
     trace.Start(level);
     LogTrace("Trace opened anew at level ", level);
 }

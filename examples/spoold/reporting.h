@@ -11,9 +11,8 @@ namespace spoold {
 /// before any thread. Throws quor::Exception when a file cannot be written.
 void StartReporting(const Options& options);
 
-/// Lets go of the trace file, which may have been renamed, and opens it again at `level`. Lines
-/// that other threads trace meanwhile are lost. The log says whether it went well; without a trace
-/// it only says so.
+/// Lets go of the trace file, which may have been renamed, and opens it again at `level`. The log
+/// says whether it went well; without a trace it only says so.
 void ReopenTrace(quor::TraceLevel_e level);
 
 /// Raises or lowers the level of the trace by `step`, within Off and Detail; says the same.

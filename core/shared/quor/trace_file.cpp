@@ -176,8 +176,12 @@ void TraceFile::StartLocked(TraceLevel_e level) {
     SetState(level, OpenChosenFile());
 }
 
+bool TraceFile::IsOnStandardOutput() const {
+    return m_traceFileName.empty() || m_traceFileName == "-";
+}
+
 bool TraceFile::OpenChosenFile() {
-    if (m_traceFileName.empty() || m_traceFileName == "-") {
+    if (IsOnStandardOutput()) {
         return Open();
     }
     if (m_traceFileName == "+") {
@@ -197,6 +201,18 @@ void TraceFile::Stop() {
 void TraceFile::StopLocked() {
     SetState(m_level, false);
     Close();
+}
+
+// The gate stays as it is in between: a closed one would cost lines.
+void TraceFile::Reopen() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const bool paused = IsOpen() && !m_active;
+    if (m_ended || IsOnStandardOutput() || !(m_active || paused)) {
+        return;
+    }
+    Close();
+    const bool opened = OpenChosenFile();
+    SetState(m_level, opened && !paused);
 }
 
 void TraceFile::End() {

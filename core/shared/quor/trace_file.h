@@ -51,6 +51,11 @@ public:
     void Start(TraceLevel_e level);
     /// Closes the trace; the level stays.
     void Stop();
+    /// Lets go of the file, which may have been renamed, and opens it anew at the same level. Lines
+    /// that other threads trace meanwhile wait and are not lost. Also revives a trace that a failed
+    /// write had closed. Does nothing while the trace is stopped or on standard output; a file that
+    /// cannot be opened leaves it stopped.
+    void Reopen();
     /// Closes the gate and leaves the file open.
     void Pause();
     /// Opens the gate again, even when there is no file.
@@ -113,6 +118,7 @@ private:
     void StartLocked(TraceLevel_e level);
     void StopLocked();
     void End();
+    bool IsOnStandardOutput() const;
     bool OpenChosenFile();
     void SetState(TraceLevel_e level, bool active);
     void WriteEntry(const std::string& text);
