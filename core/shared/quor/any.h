@@ -57,22 +57,26 @@ public:
     Any(Any&&) noexcept = default;
 
     Any& operator=(const Any&) = default;
+    /// Leaves `other` empty.
     Any& operator=(Any&& other) noexcept {
         boost::any(std::move(other.m_value)).swap(m_value);
         return *this;
     }
+    /// As the constructor; nothing changes when the copy fails.
     template <typename T, typename = IfValue<T>>
     Any& operator=(T&& value) {
         return *this = Any(std::forward<T>(value));
     }
     ~Any() = default;
 
+    /// Whether there is no value.
     bool Empty() const { return m_value.empty(); }
     /// Whether the value is one of the eight arrays.
     bool IsArray() const;
     /// The number of elements of an array, 1 for everything else, no value too. "Invalid value
     /// type" when there is no memory for the copy that it makes.
     std::size_t Size() const;
+    /// The holder of the value, for any_cast; changes with this object.
     const boost::any& Value() const { return m_value; }
 
     /// A copy of the value. "Invalid value type" when it is not exactly a `T`, and for whatever

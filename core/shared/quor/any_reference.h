@@ -43,6 +43,7 @@ public:
         PtrHolder& operator=(const PtrHolder&) = delete;
         virtual ~PtrHolder();
 
+        /// The type of the variable, without its const.
         virtual const std::type_info& Type() const = 0;
         /// A new holder for the same variable, which the caller owns.
         virtual PtrHolder* Clone() const = 0;
@@ -52,6 +53,7 @@ public:
     template <typename T>
     class SpecificPtrHolder;
 
+    /// Refers to `variable`, and writes into none.
     template <typename T, typename = IfVariable<T>>
     explicit AnyReference(T& variable)
         : m_holder(new SpecificPtrHolder<std::remove_const_t<T>>(
@@ -61,6 +63,7 @@ public:
     template <typename T, typename = IfVariable<T>>
     explicit AnyReference(const T&& temporary) = delete;
 
+    /// Refers to the variable of `other`.
     AnyReference(const AnyReference& other);
     /// Refers to the variable of `other` from now on; writes into none.
     AnyReference& operator=(const AnyReference& other);
@@ -92,6 +95,7 @@ class AnyReference::SpecificPtrHolder : public AnyReference::PtrHolder {
                   "double, long double, bool and std::string, and to no other type: not to long");
 
 public:
+    /// Keeps the address of `variable`.
     explicit SpecificPtrHolder(T& variable) : m_ptr(&variable) {}
     // Not defaulted: compilers differ in whether they export such a one.
     ~SpecificPtrHolder() override {}  // NOLINT(modernize-use-equals-default)

@@ -23,6 +23,7 @@ public:
     /// Stops, in the process that daemonised.
     ~Daemon();
 
+    /// The one instance, made at the first call and destroyed at the end of the process.
     static Daemon& Instance();
 
     /// Deletes the PID file of another instance, whether or not that still runs; then detaches, so

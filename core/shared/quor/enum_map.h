@@ -13,6 +13,7 @@ namespace quor {
 
 /// Orders names by their bytes.
 struct BimapStrCmp {
+    /// Neither may be null.
     bool operator()(const char* left, const char* right) const {
         return std::strcmp(left, right) < 0;
     }
@@ -21,8 +22,8 @@ struct BimapStrCmp {
 /// One row of an enumeration's description table.
 template <typename E>
 struct EnumRow {
-    E value;
-    const char* name;
+    E value;           ///< one value of the enumeration
+    const char* name;  ///< its name, not copied
 };
 
 /// The values and names of an enumeration `E`, looked up either way; built once, then only read.
@@ -39,7 +40,9 @@ public:
     BiMap(const BiMap&) = delete;
     BiMap& operator=(const BiMap&) = delete;
 
+    /// The pairs in the order of their values.
     const std::map<const E, const char*>& ValueToName() const { return m_valueToName; }
+    /// The pairs in the order of their names.
     const std::map<const char*, E, BimapStrCmp>& NameToValue() const { return m_nameToValue; }
     /// The pairs of ValueToName(), each value as `int`.
     const std::map<const int, const char*>& IntToName() const { return m_intToName; }
@@ -76,8 +79,10 @@ private:
 template <typename E>
 class EnumMap {
 public:
+    /// The table, defined by whoever has the enumeration.
     static const BiMap<E> items;  // NOLINT(readability-identifier-naming)
 
+    /// The name of a value; lives as long as the table.
     static const char* ToName(E value) {
         const auto found = items.ValueToName().find(value);
         if (found == items.ValueToName().end()) {
@@ -85,6 +90,7 @@ public:
         }
         return found->second;
     }
+    /// The same for a value that is a plain number.
     static const char* ToName(int value) {
         const auto found = items.IntToName().find(value);
         if (found == items.IntToName().end()) {
@@ -92,6 +98,7 @@ public:
         }
         return found->second;
     }
+    /// The value of a name.
     static E ToValue(const std::string& name) {
         const auto found = items.NameToValue().find(name.c_str());
         // A name with a NUL in it equals none, but its beginning might.
@@ -107,6 +114,7 @@ private:
     }
 };
 
+/// "Off", "Low", "Medium", "High", "Detail".
 template <>
 const BiMap<TraceLevel_e> EnumMap<TraceLevel_e>::items;  // NOLINT(readability-identifier-naming)
 

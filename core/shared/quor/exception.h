@@ -29,14 +29,18 @@ namespace quor {
 /// thread; takes the trace file's mutex for the report only. Keeps errno.
 class Exception : public std::exception {
 public:
+    /// Copies the text, which must not be null.
+    /// @{
     Exception(const std::string& text, bool log) noexcept;
     Exception(const char* text, bool log) noexcept;
+    /// @}
     /// Takes the stream's contents; the stream is not changed.
     Exception(std::ostringstream& text, bool log) noexcept;
     Exception(const Exception&) = default;
     Exception& operator=(const Exception&) = default;
     ~Exception() override;
 
+    /// The text; valid as long as the exception.
     const char* what() const noexcept override;
 
 private:
@@ -54,11 +58,12 @@ std::ostream& operator<<(std::ostream& stream, const Exception& exception);
 /// destroyed on the thread that built it.
 class Lock {
 public:
+    /// Locks one mutex or more.
     template <typename... Mutexes>
     explicit Lock(std::mutex& first, Mutexes&... others)
         : Lock(std::vector<std::mutex*>{&first, &others...}) {}
 
-    /// No entry may be null.
+    /// Locks those of a list; no entry may be null.
     explicit Lock(const std::vector<std::mutex*>& mutexes) : m_mutexes(mutexes) {
         std::vector<std::mutex*> ordered(mutexes);
         std::sort(ordered.begin(), ordered.end(), std::less<std::mutex*>());

@@ -13,8 +13,8 @@ namespace quor {
 /// equality, texts exactly, without trimming or folding of case. Nothing is copied: results point
 /// into the table. Tables are only read, so any thread may use them.
 struct Literal_t {
-    int numeric;
-    const char* textual;
+    int numeric;          ///< the number
+    const char* textual;  ///< the text, not copied; null in the row that ends the table
 };
 
 /// The text of `value`. Throws Exception "Unable to convert literal to text." when there is none.
@@ -24,8 +24,10 @@ int TextualToNumeric(const Literal_t* table, const std::string& text);
 
 /// The same for what the program itself guarantees to be in the table: a miss is reported through
 /// LoggedAssert() and ends the process.
+/// @{
 const char* NumericToTextualAssert(const Literal_t* table, int value);
 int TextualToNumericAssert(const Literal_t* table, const std::string& text);
+/// @}
 
 }  // namespace quor
 

@@ -32,6 +32,7 @@ public:
 
     ~Log() override;
 
+    /// The one instance, made at the first call.
     static Log& GetInstance();
 
     /// Sets the log file, and creates it with its header when it is missing or empty. False when it
@@ -39,10 +40,13 @@ public:
     /// gives false. Takes no lock: call it during start-up, before other threads log.
     static bool Init(const std::string& fileName);
 
+    /// Logs one message of that severity.
+    /// @{
     void Info(const std::string& text);
     void Warning(const std::string& text);
     void Error(const std::string& text);
     void Critical(const std::string& text);
+    /// @}
 
 private:
     struct AtExit;

@@ -34,15 +34,21 @@ public:
     virtual ~LogFile();
 
     /// Whether LineHeader() stands in front of each line; true at first. Returns true.
+    /// @{
     bool SetPrintLineHeader(const bool& value);
     bool GetPrintLineHeader(bool& value) const;
+    /// @}
     /// Whether LineTrailer() stands behind the text of each line; true at first. Returns true.
+    /// @{
     bool SetPrintLineTrailer(const bool& value);
     bool GetPrintLineTrailer(bool& value) const;
+    /// @}
 
 protected:
+    /// Nothing, the name of standard output.
     static const std::string c_emptyStr;
 
+    /// Room for one line.
     class LineRoom;
     /// Copies `text` to `end` and gives the new end.
     static char* Put(char* end, std::string_view text) {
@@ -51,11 +57,13 @@ protected:
     }
 
     /// The five texts; all empty here. Blocks are written as they are, line feeds included.
+    /// @{
     virtual std::string FileHeader() const;
     virtual std::string AppendBanner() const;
     virtual std::string FileTrailer() const;
     virtual std::string LineHeader() const;
     virtual std::string LineTrailer() const;
+    /// @}
 
     /// Called with the errno of a failed call; closes the file.
     virtual void Error(int errorCode);
@@ -80,7 +88,9 @@ protected:
     /// Calls Error(), unless it is running already.
     void HandleError(int errorCode);
 
+    /// What GetPrintLineHeader() fills in.
     bool PrintsLineHeader() const { return m_printLineHeader; }
+    /// Whether there is a descriptor.
     bool IsOpen() const { return m_fd != -1; }
     /// The name last given to Open().
     const std::string& FileName() const { return m_fileName; }

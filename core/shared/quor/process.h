@@ -7,8 +7,10 @@
 #include <typeinfo>
 #include <vector>
 
+/// @file
 /// Who and where the running code is. All functions are safe from any thread at any time and keep
 /// no state; they throw nothing but std::bad_alloc.
+
 namespace quor {
 
 /// The short name of the running program, as the C library keeps it: the last path component of

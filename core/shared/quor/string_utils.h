@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
+/// @file
 /// Small text and number chores of configuration and diagnostics. No function keeps state: any
 /// thread. Bytes from 0x80 on are ordinary input; what is blank or printable is the C library's
 /// answer in the current locale. Besides what is said below only std::bad_alloc and
 /// std::length_error are thrown.
+
 namespace quor {
 
 /// Whether `a` and `b` differ by at most 1e-15 of the larger of the two by sign: so two negative

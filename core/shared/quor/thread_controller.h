@@ -35,6 +35,7 @@ using CancelLoopFnc = std::function<void()>;
 /// a start then leaves the controller stopped, a stop leaves the loop terminating.
 class ThreadController {
 public:
+    /// Where the loop stands.
     enum State_e {
         eStopped = 0,     ///< no loop thread
         eStarting = 1,    ///< the loop thread has not yet taken over
@@ -61,10 +62,13 @@ public:
     void Restart();
 
     /// The same on a thread of their own; they return at once.
+    /// @{
     void AsyncStart();
     void AsyncStop();
     void AsyncRestart();
+    /// @}
 
+    /// The state, which may have changed by the time it is looked at.
     State_e GetState() const;
 
 protected:
@@ -89,13 +93,13 @@ protected:
     /// within cRetryCounter waits.
     bool WaitOnStateEnter(const State_e& state, std::unique_lock<std::mutex>& lock);
 
-    std::string m_name;
-    State_e m_state;  // guarded by m_mutex
-    std::condition_variable m_condition;
-    mutable std::mutex m_mutex;
-    LoopFnc m_loopFnc;
-    CancelLoopFnc m_cancelLoopFnc;
-    std::uint32_t m_stopSleepPeriodMs;
+    std::string m_name;                   ///< for messages alone
+    State_e m_state;                      ///< guarded by m_mutex
+    std::condition_variable m_condition;  ///< notified at each change of m_state
+    mutable std::mutex m_mutex;           ///< not held while a function of the host runs
+    LoopFnc m_loopFnc;                    ///< never empty
+    CancelLoopFnc m_cancelLoopFnc;        ///< never empty; copied for each call
+    std::uint32_t m_stopSleepPeriodMs;    ///< cStopSleepPeriodMs at the time of construction
 
 private:
     void StartLoop(std::unique_lock<std::mutex>& lock);

@@ -41,8 +41,10 @@ public:
     /// The current real time, in the form `format`.
     explicit Time(int format);
     /// Takes value and form; the text is built anew when it is wanted.
+    /// @{
     Time(const Time& other);
     Time& operator=(const Time& other);
+    /// @}
     ~Time() = default;
 
     /// The current real time, in the form `format`.
@@ -95,13 +97,18 @@ private:
     mutable signed char m_textZone;  // UTC offset in m_text, in quarters of an hour
 };
 
+/// As the member operators; the result has the form of `left`.
+/// @{
 Time operator+(Time left, const Time& right);
 Time operator-(Time left, const Time& right);
 Time operator/(Time left, unsigned long divisor);
+/// @}
 
 /// Compares values; the forms do not count.
+/// @{
 bool operator==(const Time& left, const Time& right);
 bool operator<(const Time& left, const Time& right);
+/// @}
 
 /// Prints the text of `time` in its form, at most 29 characters, whatever the stream's locale.
 std::ostream& operator<<(std::ostream& stream, const Time& time);

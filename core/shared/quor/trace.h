@@ -75,6 +75,7 @@ void TraceWrite(TraceLevel_e level, const char* function, const char* file, int 
 /// The texts are not copied and must outlive the object. Throws nothing.
 class TraceFnc {
 public:
+    /// Marks the entry; takes what __PRETTY_FUNCTION__, FileStem and __LINE__ give.
     TraceFnc(const char* function, const char* file, int line) noexcept
         : m_function(function), m_file(file), m_line(line) {
         if (TraceGateOpen(High)) {
@@ -107,7 +108,9 @@ public:
     TraceMessage& operator=(const TraceMessage&) = delete;
     ~TraceMessage();
 
+    /// Takes the message, in the classic locale.
     std::ostream& Stream() { return m_stream; }
+    /// Writes the line, or loses it when memory is short.
     void Write(TraceLevel_e level, const char* function, const char* file, int line) const noexcept;
 
 private:
@@ -135,6 +138,7 @@ private:
 /// The base name of a source file without its extension, made by the compiler.
 template <std::size_t Size>
 struct FileStem {
+    /// Takes __FILE__.
     explicit constexpr FileStem(const char (&path)[Size]) : m_text{} {
         std::size_t begin = 0;
         for (std::size_t index = 0; path[index] != '\0'; ++index) {
@@ -149,7 +153,7 @@ struct FileStem {
         m_text[end > 0 ? end : length] = '\0';
     }
 
-    char m_text[Size];
+    char m_text[Size];  ///< the name, with a NUL behind it
 };
 
 }  // namespace quor

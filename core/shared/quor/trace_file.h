@@ -39,6 +39,7 @@ class TraceFile : public LogFile {
 public:
     ~TraceFile() override;
 
+    /// The one instance, made at the first call.
     static TraceFile& GetInstance();
 
     /// Sets the names for the next Start(). An empty `fileName` or "-" means standard output (which
@@ -70,14 +71,20 @@ public:
 
     /// Whether lines show the source file name; false at first. A name that ends in a digit cannot
     /// be told from the line number that follows it. Returns true.
+    /// @{
     bool SetPrintFile(const bool& value);
     bool GetPrintFile(bool& value) const;
+    /// @}
     /// Whether lines show the source line, four wide; true at first. Returns true.
+    /// @{
     bool SetPrintLine(const bool& value);
     bool GetPrintLine(bool& value) const;
+    /// @}
     /// Whether DumpStack() writes; false at first. Returns true.
+    /// @{
     bool SetDumpStack(const bool& value);
     bool GetDumpStack(bool& value) const;
+    /// @}
 
     /// Whether the trace runs; lock-free.
     bool IsActive() const { return m_active.load(std::memory_order_relaxed); }

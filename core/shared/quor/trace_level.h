@@ -1,6 +1,7 @@
 #ifndef QUOR_TRACE_LEVEL_H
 #define QUOR_TRACE_LEVEL_H
 
+/// All that the library offers but for its macros and three variables.
 namespace quor {
 
 /// How much the trace tells, from silent to most verbose.

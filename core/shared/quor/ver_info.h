@@ -21,6 +21,7 @@ public:
     VerInfo& operator=(const VerInfo&) = delete;
     virtual ~VerInfo();
 
+    /// The record.
     static VerInfo& GetInstance();
 
     /// Overwrites the whole record; may be called again. No text may be null.
@@ -28,17 +29,20 @@ public:
                      const char* compiler, const char* buildTime, const char* buildMachine,
                      const char* buildUser);
 
+    /// As given to Init().
+    /// @{
     static int Major();
     static int Minor();
     static int Build();
     static int Revision();
     static const std::string& Label();
-    /// "major.minor-build-rrevision label"; with an empty label it ends in the blank.
-    static const std::string& VersionString();
     static const std::string& BuildCompiler();
     static const std::string& BuildTime();
     static const std::string& BuildMachine();
     static const std::string& BuildUser();
+    /// @}
+    /// "major.minor-build-rrevision label"; with an empty label it ends in the blank.
+    static const std::string& VersionString();
 
     /// Prints the record to standard output, five lines, each flushed. The line "Revision:" shows
     /// the whole version string.
