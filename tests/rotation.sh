@@ -4,7 +4,7 @@
 set -euo pipefail
 command -v logrotate >/dev/null || PATH=$PATH:/usr/sbin
 folder=$(mktemp -d)
-trap 'kill "$host" 2>/dev/null; rm -rf "$folder"' EXIT
+trap 'kill "$host" 2>/dev/null || true; rm -rf "$folder"' EXIT
 exec {answers}< <(exec "$1" "$folder" 5)
 host=$!
 sed -e "s|/var/log/spoold|$folder|g; s|systemctl kill .*|kill -HUP $host|; s|weekly|size 1|" "$2" >"$folder/conf"
