@@ -41,6 +41,6 @@ need() {
 
 packages_to_build=(g++ cmake ninja-build libboost-dev libcli11-dev zlib1g-dev)
 packages_to_test=(binutils clang-format libgtest-dev libgmock-dev logrotate rcs)
-packages_to_test_all=(abigail-tools clang clang-tidy make)
+packages_to_test_all=(abigail-tools clang clang-tidy make strace valgrind)
 packages_to_test_i386=(abigail-tools logrotate g++-multilib lib32z1-dev googletest binutils)
 packages_to_test_install=(clang dpkg-dev lintian pkg-config systemd)
