@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <string_view>
 #include <thread>
 
 namespace quor_bench {
@@ -49,10 +50,11 @@ std::size_t FloorOfLine::PutHeader(char* line) {
     }
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    std::memcpy(line, "[01234: 15:53:46.123456789]   76: ", 34);
+    constexpr std::string_view c_header = "[01234: 15:53:46.123456789]   76: ";
+    c_header.copy(line, c_header.size());
     PutDigits(line + 1, static_cast<unsigned long>(t_thread), 5);
     PutDigits(line + 17, static_cast<unsigned long>(now.tv_nsec), 9);
-    return 34;
+    return c_header.size();
 }
 
 void FloorOfLine::Write(const char* text, std::size_t length) {
