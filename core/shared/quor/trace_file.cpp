@@ -394,9 +394,8 @@ std::string TraceFile::LineHeader() const {
 }
 
 void TraceFile::PutStamp(char* end) const {
-    const char* const timeOfDay = m_lineTime.CurrentText(m_lineZone);
-    std::memcpy(end - c_stampLength, timeOfDay, c_stampLength - 2);
-    std::memcpy(end - 2, "] ", 2);
+    const std::string_view timeOfDay(m_lineTime.CurrentText(m_lineZone), c_stampLength - 2);
+    Put(Put(end - c_stampLength, timeOfDay), "] ");
 }
 
 }  // namespace quor
