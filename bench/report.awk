@@ -1,6 +1,6 @@
 # Reads the CSV of quor_bench; prints a table of medians and of their ratios to the floor of the same
 # run, and writes them to the files named by the variables json and svg.
-BEGIN { FS = "," }
+BEGIN { FS = ","; subjects["quor"] = 1; order[++subject_count] = "quor" }
 $1 ~ /_median"?$/ {
     name = $1; gsub(/"|_median|\/real_time|\/manual_time/, "", name)
     parts = split(name, part, "/")
@@ -15,7 +15,7 @@ $1 ~ /_median"?$/ {
 function ratio(row, subject) { return nanoseconds[row, subject] / nanoseconds[row, "floor"] }
 END {
     printf "%-34s %10s", "", "floor ns"
-    for (s = 1; s <= subject_count; ++s) printf " %10s %6s", order[s] " ns", "ratio"
+    for (s = 1; s <= subject_count; ++s) printf " %12s %6s", order[s] " ns", "ratio"
     print ""
     print "{\n  \"unit\": \"ns\",\n  \"questions\": [" > json
     height = 30 + 26 * row_count
@@ -29,8 +29,8 @@ END {
         printf "<text x=\"10\" y=\"%d\">%s</text>", y + 13, row > svg
         for (s = 1; s <= subject_count; ++s) {
             subject = order[s]
-            if (!((row, subject) in nanoseconds)) continue
-            printf " %10.1f %6.2f", nanoseconds[row, subject], ratio(row, subject)
+            if (!((row, subject) in nanoseconds)) { printf " %12s %6s", "", ""; continue }
+            printf " %12.1f %6.2f", nanoseconds[row, subject], ratio(row, subject)
             printf ", \"%s\": %.1f, \"%s ratio\": %.3f", subject, nanoseconds[row, subject], subject, ratio(row, subject) > json
             width = ratio(row, subject) * 120; if (width > 460) width = 460
             thick = 20 / subject_count
