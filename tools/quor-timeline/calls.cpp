@@ -1,0 +1,112 @@
+#include "calls.h"
+
+#include <algorithm>
+
+namespace timeline {
+
+void Calls::Take(const Line& line) {
+    switch (line.m_kind) {
+        case Line::eBanner:
+            EndRun();
+            break;
+        case Line::eStart:
+            m_midnight = line.m_time - line.m_time % c_day;
+            m_lastTimeOfDay = line.m_time % c_day;
+            m_skipped = 0;
+            m_now = std::max(m_now, line.m_time);
+            break;
+        case Line::eProcess:
+            m_sink.Run(line.m_thread);
+            break;
+        case Line::eEnter:
+            Enter(line, Now(line.m_time));
+            break;
+        case Line::eExit:
+            Exit(line, Now(line.m_time));
+            break;
+        case Line::eThrown:
+            m_sink.Thrown(line.m_thread, Now(line.m_time), line.m_text);
+            break;
+        case Line::eRecord:
+            Now(line.m_time);
+            break;
+        case Line::eBroken:
+            ++m_brokenLines;
+            break;
+        case Line::eOther:
+            break;
+    }
+}
+
+void Calls::EndRun() {
+    for (auto& [thread, stack] : m_stacks) {
+        while (!stack.empty()) {
+            Pop(thread, stack, m_now, true);
+        }
+    }
+    m_stacks.clear();
+    m_lastTimeOfDay = -1;
+}
+
+std::int64_t Calls::Now(std::int64_t timeOfDay) {
+    const std::int64_t back = m_lastTimeOfDay - timeOfDay;
+    if (m_lastTimeOfDay >= 0 && back > c_day / 2) {
+        m_midnight += c_day;
+    } else if (m_lastTimeOfDay >= 0 && back > 0) {
+        ++m_clockSteps;
+        m_skipped += back;
+    }
+    m_lastTimeOfDay = timeOfDay;
+    m_now = std::max(m_now, m_midnight + timeOfDay + m_skipped);
+    return m_now;
+}
+
+void Calls::Enter(const Line& line, std::int64_t now) {
+    Call call;
+    call.m_function = Name(line.m_text);
+    call.m_site = Name(line.m_site);
+    call.m_begin = now;
+    m_stacks[line.m_thread].push_back(call);
+    m_sink.Enter(line.m_thread, call);
+}
+
+void Calls::Exit(const Line& line, std::int64_t now) {
+    Stack& stack = m_stacks[line.m_thread];
+    const auto match = std::find_if(stack.rbegin(), stack.rend(), [&line](const Call& call) {
+        return *call.m_function == line.m_text && *call.m_site == line.m_site;
+    });
+    if (match == stack.rend()) {
+        ++m_unmatchedExits;
+        return;
+    }
+    const auto deeper = match - stack.rbegin();
+    for (auto count = deeper; count > 0; --count) {
+        Pop(line.m_thread, stack, now, true);
+    }
+    Pop(line.m_thread, stack, now, false);
+}
+
+void Calls::Pop(long thread, Stack& stack, std::int64_t now, bool cut) {
+    Call call = stack.back();
+    stack.pop_back();
+    call.m_end = now;
+    call.m_cut = cut;
+    m_cutCalls += cut ? 1 : 0;
+    if (!stack.empty()) {
+        stack.back().m_inner += call.m_end - call.m_begin;
+    }
+    m_sink.Leave(thread, call);
+}
+
+const std::string* Calls::Name(std::string_view text) {
+    const auto found = m_names.find(text);
+    if (found != m_names.end()) {
+        return found->second.get();
+    }
+    auto owned = std::make_unique<const std::string>(text);
+    const std::string* const name = owned.get();
+    m_names.emplace(*name, std::move(owned));
+    return name;
+}
+
+}  // namespace timeline
