@@ -99,7 +99,7 @@ void ReadConfiguration(const std::string& path, Options& options) {
     std::string line;
     for (int number = 1; std::getline(file, line); ++number) {
         const std::string text = quor::TrimString(line.c_str());
-        if (text.size() > 0 && text.front() != '#') {
+        if (!text.empty() && text.front() != '#') {
             try {
                 ApplyLine(line, settings);
             } catch (const quor::Exception& error) {
