@@ -113,13 +113,16 @@ private:
 /// keeps the end himself, so that it stays in a register.
 class LogFile::LineRoom {
 public:
+    /// Room for `size` characters.
     explicit LineRoom(std::size_t size)
         : m_heap(size > sizeof(m_stack) ? new char[size] : nullptr) {}
     LineRoom(const LineRoom&) = delete;
     LineRoom& operator=(const LineRoom&) = delete;
     ~LineRoom() = default;
 
+    /// Where to write, `size` characters at most.
     char* Begin() { return m_heap != nullptr ? m_heap.get() : m_stack; }
+    /// What was written, up to `end`.
     std::string_view TextTo(const char* end) {
         return {Begin(), static_cast<std::size_t>(end - Begin())};
     }
