@@ -6,7 +6,7 @@
 #include <quor/literals.h>
 #include <quor/string_utils.h>
 
-#include <cstddef>
+#include <algorithm>
 #include <fstream>
 #include <vector>
 
@@ -71,18 +71,20 @@ std::vector<Setting> Settings(Options& options) {
 }  // namespace
 
 // Not in the unnamed namespace: the trace could not name it as the place of a throw.
+// Exactly one sign, with something in front of it; nothing behind it is an empty value.
 void ApplyLine(const std::string& line, std::vector<Setting>& settings) {
-    const std::size_t sign = line.find('=');
-    if (sign == std::string::npos || sign != line.rfind('=') ||
+    if (std::count(line.begin(), line.end(), '=') != 1 || line.front() == '=' ||
         line.find('\0') != std::string::npos) {
         throw quor::Exception("expected key = value", true);
     }
-    const std::string key = quor::TrimString(line.substr(0, sign).c_str());
+    const std::vector<std::string> parts = quor::TokenizeString(line.c_str(), "=");
+    const std::string key = quor::TrimString(parts.front().c_str());
+    const std::string value = parts.size() > 1 ? quor::TrimString(parts.back().c_str()) : "";
     std::vector<std::string> keys;
     for (const Setting& setting : settings) {
         if (key == setting.key) {
             try {
-                setting.read(setting.variable, quor::TrimString(line.substr(sign + 1).c_str()));
+                setting.read(setting.variable, value);
             } catch (const quor::Exception&) {
                 throw quor::Exception(std::string("expected ") + setting.expected, true);
             }
