@@ -3,20 +3,31 @@
 #include <algorithm>
 
 namespace timeline {
+namespace {
+
+// No clock of a trace gets there; a file that is none must not make times overflow.
+constexpr std::int64_t c_endOfTime = 100'000 * c_day;
+
+}  // namespace
 
 void Calls::Take(const Line& line) {
     switch (line.m_kind) {
         case Line::eBanner:
             EndRun();
+            m_process = Process();
             break;
         case Line::eStart:
             m_midnight = line.m_time - line.m_time % c_day;
             m_lastTimeOfDay = line.m_time % c_day;
-            m_skipped = 0;
-            m_now = std::max(m_now, line.m_time);
+            m_now = line.m_time;
+            break;
+        case Line::eName:
+            m_process.m_name = line.m_text;
             break;
         case Line::eProcess:
-            m_sink.Run(line.m_thread);
+            m_process.m_id = line.m_thread;
+            m_process.m_start = m_now;
+            m_sink.Run(m_process);
             break;
         case Line::eEnter:
             Enter(line, Now(line.m_time));
@@ -28,13 +39,19 @@ void Calls::Take(const Line& line) {
             m_sink.Thrown(line.m_thread, Now(line.m_time), line.m_text);
             break;
         case Line::eRecord:
-            Now(line.m_time);
+            m_sink.Record(line.m_thread, Now(line.m_time), line.m_text);
             break;
-        case Line::eBroken:
-            ++m_brokenLines;
+        case Line::eStray:
+            ++m_strayLines;
             break;
-        case Line::eOther:
+        case Line::eInside:
             break;
+    }
+}
+
+void Calls::Pass(const Line& line) {
+    if (line.IsOfThread()) {
+        Now(line.m_time);
     }
 }
 
@@ -45,6 +62,7 @@ void Calls::EndRun() {
         }
     }
     m_stacks.clear();
+    m_sink.EndRun();
     m_lastTimeOfDay = -1;
 }
 
@@ -54,10 +72,11 @@ std::int64_t Calls::Now(std::int64_t timeOfDay) {
         m_midnight += c_day;
     } else if (m_lastTimeOfDay >= 0 && back > 0) {
         ++m_clockSteps;
-        m_skipped += back;
+        m_midnight += back;
     }
+    m_midnight = std::min(m_midnight, c_endOfTime);
     m_lastTimeOfDay = timeOfDay;
-    m_now = std::max(m_now, m_midnight + timeOfDay + m_skipped);
+    m_now = std::max(m_now, m_midnight + timeOfDay);
     return m_now;
 }
 
@@ -79,14 +98,13 @@ void Calls::Exit(const Line& line, std::int64_t now) {
         ++m_unmatchedExits;
         return;
     }
-    const auto deeper = match - stack.rbegin();
-    for (auto count = deeper; count > 0; --count) {
+    for (auto deeper = match - stack.rbegin(); deeper > 0; --deeper) {
         Pop(line.m_thread, stack, now, true);
     }
     Pop(line.m_thread, stack, now, false);
 }
 
-void Calls::Pop(long thread, Stack& stack, std::int64_t now, bool cut) {
+void Calls::Pop(std::int64_t thread, Stack& stack, std::int64_t now, bool cut) {
     Call call = stack.back();
     stack.pop_back();
     call.m_end = now;

@@ -1,7 +1,11 @@
 #include <algorithm>
+#include <functional>
 #include <map>
+#include <unordered_map>
+#include <vector>
 
 #include "sinks.h"
+#include "text.h"
 
 namespace timeline {
 namespace {
@@ -11,50 +15,84 @@ class Folded : public Sink {
 public:
     explicit Folded(std::ostream& output) : m_output(output) {}
 
-    void Enter(long thread, const Call& call) override {
-        Node*& top = m_tops.try_emplace(thread, nullptr).first->second;
-        top = top == nullptr ? &m_threads[thread] : top;
-        Node& inner = top->m_inner[call.m_function];
-        inner.m_outer = top;
-        top = &inner;
+    void Enter(std::int64_t thread, const Call& call) override {
+        const auto [top, isNew] = m_tops.try_emplace(thread, 0);
+        if (isNew) {
+            top->second = Add({thread, nullptr, c_none, 0});
+        }
+        const auto [inner, isNewStack] = m_inner.try_emplace({top->second, call.m_function}, 0);
+        if (isNewStack) {
+            inner->second = Add({thread, call.m_function, top->second, 0});
+        }
+        top->second = inner->second;
     }
-    void Leave(long thread, const Call& call) override {
-        Node*& top = m_tops[thread];
-        top->m_own += call.m_end - call.m_begin - call.m_inner;
-        top = top->m_outer;
+    void Leave(std::int64_t thread, const Call& call) override {
+        std::size_t& top = m_tops[thread];
+        m_nodes[top].m_own += call.m_end - call.m_begin - call.m_inner;
+        top = m_nodes[top].m_outer;
     }
-    void Run(long /*process*/) override { m_tops.clear(); }
     void Finish() override {
-        for (const auto& [thread, node] : m_threads) {
-            Write(std::to_string(thread), node);
+        std::stable_sort(m_written.begin(), m_written.end(),
+                         [this](std::size_t left, std::size_t right) {
+                             return m_nodes[left].m_thread < m_nodes[right].m_thread;
+                         });
+        for (const std::size_t node : m_written) {
+            if (m_nodes[node].m_own > 0) {
+                WriteStack(node);
+            }
         }
     }
 
 private:
+    static constexpr std::size_t c_none = SIZE_MAX;
+
     struct Node {
-        std::int64_t m_own = 0;
-        Node* m_outer = nullptr;
-        std::map<const std::string*, Node> m_inner;
+        std::int64_t m_thread;
+        const std::string* m_function;  // none in the node of the thread itself
+        std::size_t m_outer;
+        std::int64_t m_own;
+    };
+    struct Key {
+        std::size_t m_outer;
+        const std::string* m_function;
+        bool operator==(const Key& other) const {
+            return m_outer == other.m_outer && m_function == other.m_function;
+        }
+    };
+    struct Hash {
+        std::size_t operator()(const Key& key) const {
+            return std::hash<const void*>()(key.m_function) + key.m_outer * 0x9E3779B1U;
+        }
     };
 
+    std::size_t Add(const Node& node) {
+        m_written.push_back(m_nodes.size());
+        m_nodes.push_back(node);
+        return m_nodes.size() - 1;
+    }
+    void WriteStack(std::size_t node) {
+        std::vector<const std::string*> stack;
+        for (std::size_t at = node; m_nodes[at].m_function != nullptr; at = m_nodes[at].m_outer) {
+            stack.push_back(m_nodes[at].m_function);
+        }
+        m_output << m_nodes[node].m_thread;
+        for (auto function = stack.rbegin(); function != stack.rend(); ++function) {
+            m_output << ';' << Frame(**function);
+        }
+        m_output << ' ' << m_nodes[node].m_own << '\n';
+    }
     // The format keeps ";" for itself.
     static std::string Frame(const std::string& function) {
         std::string frame = Printable(function);
         std::replace(frame.begin(), frame.end(), ';', ',');
         return frame;
     }
-    void Write(const std::string& path, const Node& node) {
-        if (node.m_own > 0) {
-            m_output << path << ' ' << node.m_own << '\n';
-        }
-        for (const auto& [function, inner] : node.m_inner) {
-            Write(path + ";" + Frame(*function), inner);
-        }
-    }
 
     std::ostream& m_output;
-    std::map<long, Node> m_threads;
-    std::map<long, Node*> m_tops;
+    std::vector<Node> m_nodes;
+    std::vector<std::size_t> m_written;  // the nodes in the order in which they are written
+    std::unordered_map<Key, std::size_t, Hash> m_inner;
+    std::map<std::int64_t, std::size_t> m_tops;
 };
 
 }  // namespace
