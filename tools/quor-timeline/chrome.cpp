@@ -1,7 +1,7 @@
-#include <cstdio>
 #include <cstdlib>
 
 #include "line.h"
+#include "output.h"
 #include "sinks.h"
 #include "text.h"
 
@@ -10,25 +10,25 @@ namespace {
 
 class Chrome : public Sink {
 public:
-    explicit Chrome(std::ostream& output) : m_output(output) { m_output << "{\"traceEvents\":["; }
+    explicit Chrome(Output& output) : m_output(output) { m_output << "{\"traceEvents\":["; }
 
     void Run(const Process& process) override {
         m_process = process.m_id;
-        Begin('M', 0, process.m_start);
+        Begin("M", 0, process.m_start);
         m_output << ",\"name\":\"process_name\",\"args\":{\"name\":" << Quoted(process.m_name)
                  << "}}";
     }
     void Enter(std::int64_t thread, const Call& call) override {
-        Begin('B', thread, call.m_begin);
-        m_output << ",\"name\":" << Quoted(*call.m_function) << ",\"args\":{\"thread\":" << thread
-                 << SiteMembers(*call.m_site) << "}}";
+        Begin("B", thread, call.m_begin);
+        m_output << ",\"name\":" << m_quoted(call.m_function) << ",\"args\":{"
+                 << m_siteMembers(call.m_site) << "}}";
     }
     void Leave(std::int64_t thread, const Call& call) override {
-        Begin('E', thread, call.m_end);
+        Begin("E", thread, call.m_end);
         m_output << (call.m_cut ? ",\"args\":{\"cut\":true}}" : "}");
     }
     void Thrown(std::int64_t thread, std::int64_t time, std::string_view place) override {
-        Begin('i', thread, time);
+        Begin("i", thread, time);
         m_output << ",\"s\":\"t\",\"name\":" << Quoted("thrown in " + std::string(place)) << "}";
     }
     void Finish() override {
@@ -37,32 +37,36 @@ public:
     }
 
 private:
-    void Begin(char phase, std::int64_t thread, std::int64_t time) {
+    void Begin(std::string_view phase, std::int64_t thread, std::int64_t time) {
+        m_midnight = m_midnight < 0 ? time - time % c_day : m_midnight;
         m_output << m_separator << "\n{\"ph\":\"" << phase << "\",\"pid\":" << m_process
-                 << ",\"tid\":" << thread << ",\"ts\":" << Microseconds(time);
+                 << ",\"tid\":" << thread << ",\"ts\":";
+        WriteMicroseconds(time - m_midnight);
         m_separator = ",";
     }
-    // Since the first midnight: readers take the number for a double, which has nanoseconds for a
-    // hundred days.
-    std::string Microseconds(std::int64_t time) {
-        m_midnight = m_midnight < 0 ? time - time % c_day : m_midnight;
-        const std::int64_t since = time - m_midnight;
-        char text[40];
-        std::snprintf(text, sizeof(text), "%s%lld.%03lld", since < 0 ? "-" : "",
-                      std::abs(static_cast<long long>(since / 1000)),
-                      std::abs(static_cast<long long>(since % 1000)));
-        return text;
-    }
 
-    std::ostream& m_output;
+    void WriteMicroseconds(std::int64_t nanoseconds) {
+        const std::int64_t positive = std::abs(nanoseconds);
+        const auto rest = static_cast<int>(positive % 1000);
+        const char fraction[] = {'.', Digit(rest / 100), Digit(rest / 10), Digit(rest)};
+        m_output << (nanoseconds < 0 ? "-" : "") << positive / 1000
+                 << std::string_view(fraction, sizeof(fraction));
+    }
+    static char Digit(int number) { return static_cast<char>('0' + number % 10); }
+
+    Output& m_output;
     const char* m_separator = "";
     std::int64_t m_process = 0;
+    // Times are counted from the first midnight: readers take one for a double, which has
+    // nanoseconds for a hundred days.
     std::int64_t m_midnight = -1;
+    Made<Quoted> m_quoted;
+    Made<SiteMembers> m_siteMembers;
 };
 
 }  // namespace
 
-std::unique_ptr<Sink> MakeChrome(std::ostream& output) {
+std::unique_ptr<Sink> MakeChrome(Output& output) {
     return std::make_unique<Chrome>(output);
 }
 

@@ -10,7 +10,7 @@
 namespace timeline {
 namespace {
 
-constexpr std::size_t c_chunkSize = 128;
+constexpr std::size_t c_chunkSize = 1024;
 
 [[noreturn]] void Fail() {
     throw std::system_error(errno, std::generic_category(), "temporary file");

@@ -4,16 +4,24 @@
 #include <unordered_map>
 #include <vector>
 
+#include "output.h"
 #include "sinks.h"
 #include "text.h"
 
 namespace timeline {
 namespace {
 
+// The format keeps ";" for itself.
+std::string Frame(std::string_view function) {
+    std::string frame = Printable(function);
+    std::replace(frame.begin(), frame.end(), ';', ',');
+    return frame;
+}
+
 // Stacks form a tree, whose size follows the number of different stacks.
 class Folded : public Sink {
 public:
-    explicit Folded(std::ostream& output) : m_output(output) {}
+    explicit Folded(Output& output) : m_output(output) {}
 
     void Enter(std::int64_t thread, const Call& call) override {
         const auto [top, isNew] = m_tops.try_emplace(thread, 0);
@@ -77,27 +85,21 @@ private:
         }
         m_output << m_nodes[node].m_thread;
         for (auto function = stack.rbegin(); function != stack.rend(); ++function) {
-            m_output << ';' << Frame(**function);
+            m_output << ";" << m_frame(*function);
         }
-        m_output << ' ' << m_nodes[node].m_own << '\n';
+        m_output << " " << m_nodes[node].m_own << "\n";
     }
-    // The format keeps ";" for itself.
-    static std::string Frame(const std::string& function) {
-        std::string frame = Printable(function);
-        std::replace(frame.begin(), frame.end(), ';', ',');
-        return frame;
-    }
-
-    std::ostream& m_output;
+    Output& m_output;
     std::vector<Node> m_nodes;
     std::vector<std::size_t> m_written;  // the nodes in the order in which they are written
     std::unordered_map<Key, std::size_t, Hash> m_inner;
     std::map<std::int64_t, std::size_t> m_tops;
+    Made<Frame> m_frame;
 };
 
 }  // namespace
 
-std::unique_ptr<Sink> MakeFolded(std::ostream& output) {
+std::unique_ptr<Sink> MakeFolded(Output& output) {
     return std::make_unique<Folded>(output);
 }
 

@@ -17,13 +17,18 @@ std::int64_t Number(std::string_view text) {
         return -1;
     }
     std::int64_t number = 0;
-    for (const char digit : text) {
-        if (!IsDigit(digit)) {
-            return -1;
-        }
-        number = number * 10 + (digit - '0');
+    unsigned wrong = 0;
+    for (const char character : text) {
+        const unsigned digit = static_cast<unsigned char>(character) - unsigned{'0'};
+        wrong |= static_cast<unsigned>(digit > 9);
+        number = number * 10 + static_cast<int>(digit);
     }
-    return number;
+    return wrong == 0 ? number : -1;
+}
+
+// -1 when they are none.
+std::int64_t TwoDigits(const char* text) {
+    return IsDigit(text[0]) && IsDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -1;
 }
 
 bool StartsWith(std::string_view text, std::string_view start) {
@@ -70,17 +75,16 @@ void SplitSite(Line& line, std::string_view rest) {
 
 // Takes "==> " and its like from the text.
 void SplitMark(Line& line) {
-    constexpr struct {
-        std::string_view m_mark;
-        Line::Kind_e m_kind;
-    } c_marks[] = {{"==> ", Line::eEnter}, {"<== ", Line::eExit}, {"** in: ", Line::eThrown}};
-    line.m_kind = Line::eRecord;
-    for (const auto& mark : c_marks) {
-        if (StartsWith(line.m_text, mark.m_mark)) {
-            line.m_text.remove_prefix(mark.m_mark.size());
-            line.m_kind = EndsInRule(line.m_text) ? Line::eStray : mark.m_kind;
-            return;
-        }
+    constexpr std::string_view c_enter = "==> ";
+    constexpr std::string_view c_exit = "<== ";
+    constexpr std::string_view c_place = "** in: ";
+    line.m_kind = StartsWith(line.m_text, c_enter)   ? Line::eEnter
+                  : StartsWith(line.m_text, c_exit)  ? Line::eExit
+                  : StartsWith(line.m_text, c_place) ? Line::eThrown
+                                                     : Line::eRecord;
+    if (line.m_kind != Line::eRecord) {
+        line.m_text.remove_prefix(line.m_kind == Line::eThrown ? c_place.size() : c_enter.size());
+        line.m_kind = EndsInRule(line.m_text) ? Line::eStray : line.m_kind;
     }
 }
 
@@ -96,9 +100,9 @@ std::int64_t TimeOfDay(std::string_view text) {
     if (text.size() < 8 || text[2] != ':' || text[5] != ':') {
         return -1;
     }
-    const std::int64_t hours = Number(text.substr(0, 2));
-    const std::int64_t minutes = Number(text.substr(3, 2));
-    const std::int64_t seconds = Number(text.substr(6, 2));
+    const std::int64_t hours = TwoDigits(&text[0]);
+    const std::int64_t minutes = TwoDigits(&text[3]);
+    const std::int64_t seconds = TwoDigits(&text[6]);
     const std::int64_t nanoseconds = Fraction(text.substr(8));
     if (hours < 0 || hours > 23 || minutes < 0 || minutes > 59 || seconds < 0 || seconds > 60 ||
         nanoseconds < 0) {

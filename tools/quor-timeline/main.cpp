@@ -4,13 +4,13 @@
 #include <iostream>
 #include <memory>
 #include <regex>
-#include <stdexcept>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "calls.h"
 #include "line.h"
+#include "output.h"
 #include "progress.h"
 #include "reader.h"
 #include "sinks.h"
@@ -55,11 +55,11 @@ void AddOptions(CLI::App& app, Options& options) {
     app.add_flag("--strict", options.m_strict, "Fail when something was not understood");
 }
 
-std::unique_ptr<Sink> MakeSink(const Options& options) {
-    return options.m_chrome       ? MakeChrome(std::cout)
-           : options.m_speedscope ? MakeSpeedscope(std::cout)
-           : options.m_folded     ? MakeFolded(std::cout)
-                                  : MakeSummary(std::cout);
+std::unique_ptr<Sink> MakeSink(const Options& options, Output& output) {
+    return options.m_chrome       ? MakeChrome(output)
+           : options.m_speedscope ? MakeSpeedscope(output)
+           : options.m_folded     ? MakeFolded(output)
+                                  : MakeSummary(output);
 }
 
 // Which lines are looked at.
@@ -135,15 +135,14 @@ bool Report(const Calls& calls) {
 }
 
 bool Run(const Options& options) {
-    const std::unique_ptr<Sink> sink = MakeSink(options);
+    Output output(std::cout);
+    const std::unique_ptr<Sink> sink = MakeSink(options, output);
     Window window(*sink, options.m_from, options.m_to);
     const bool hasWindow = !options.m_from.empty() || !options.m_to.empty();
     Calls calls(hasWindow ? window : *sink);
     ReadFiles(options, calls);
     sink->Finish();
-    if (!std::cout.flush()) {
-        throw std::runtime_error("the output cannot be written");
-    }
+    output.Flush();
     return Report(calls);
 }
 

@@ -3,11 +3,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <string_view>
 
 namespace timeline {
+
+class Output;
 
 /// One call of a function by one thread. Times are nanoseconds since 1970, as if local time were
 /// UTC.
@@ -50,16 +51,18 @@ public:
     virtual void Finish() {}
 };
 
+// Each writes to `output`, which must outlive it.
+
 /// Tables for the terminal: per thread its functions with calls, total, own, shortest, longest and
 /// mean time; the places of thrown exceptions; what had not come to its end.
-std::unique_ptr<Sink> MakeSummary(std::ostream& output);
+std::unique_ptr<Sink> MakeSummary(Output& output);
 /// A line "thread;outer;inner NANOSECONDS" per stack, with its own time, for flame graphs.
-std::unique_ptr<Sink> MakeFolded(std::ostream& output);
+std::unique_ptr<Sink> MakeFolded(Output& output);
 /// Chrome trace events, as JSON: for Perfetto and chrome://tracing.
-std::unique_ptr<Sink> MakeChrome(std::ostream& output);
+std::unique_ptr<Sink> MakeChrome(Output& output);
 /// A profile per thread, as JSON for speedscope. The events wait in a temporary file until all
 /// threads are known. Throws std::system_error.
-std::unique_ptr<Sink> MakeSpeedscope(std::ostream& output);
+std::unique_ptr<Sink> MakeSpeedscope(Output& output);
 
 }  // namespace timeline
 

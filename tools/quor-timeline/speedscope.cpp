@@ -5,6 +5,7 @@
 
 #include "event_lists.h"
 #include "line.h"
+#include "output.h"
 #include "sinks.h"
 #include "text.h"
 
@@ -14,7 +15,7 @@ namespace {
 // A frame is a function together with the site of its entry.
 class Speedscope : public Sink {
 public:
-    explicit Speedscope(std::ostream& output) : m_output(output) {}
+    explicit Speedscope(Output& output) : m_output(output) {}
 
     void Run(const Process& process) override {
         m_process = process.m_name + " " + std::to_string(process.m_id);
@@ -81,8 +82,9 @@ private:
     void WriteFrames() {
         const char* separator = "";
         for (const auto& [function, site] : m_frames) {
-            m_output << separator << "\n{\"name\":" << Quoted(*function) << SiteMembers(*site)
-                     << '}';
+            const std::string members = SiteMembers(*site);
+            m_output << separator << "\n{\"name\":" << Quoted(*function)
+                     << (members.empty() ? "" : ",") << members << "}";
             separator = ",";
         }
     }
@@ -95,15 +97,15 @@ private:
                  << profile.m_end - profile.m_begin << ",\"events\":[";
         const char* separator = "";
         m_lists.ForEach(profile.m_events, [&](const EventLists::Event& event) {
-            m_output << separator << "\n{\"type\":\"" << (event.m_isEntry != 0 ? 'O' : 'C')
+            m_output << separator << "\n{\"type\":\"" << (event.m_isEntry != 0 ? "O" : "C")
                      << "\",\"frame\":" << event.m_frame
-                     << ",\"at\":" << event.m_time - profile.m_begin << '}';
+                     << ",\"at\":" << event.m_time - profile.m_begin << "}";
             separator = ",";
         });
         m_output << "\n]}";
     }
 
-    std::ostream& m_output;
+    Output& m_output;
     EventLists m_lists;
     std::string m_process;
     std::map<std::int64_t, std::size_t> m_threads;  // of this run: their profiles
@@ -114,7 +116,7 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Sink> MakeSpeedscope(std::ostream& output) {
+std::unique_ptr<Sink> MakeSpeedscope(Output& output) {
     return std::make_unique<Speedscope>(output);
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "output.h"
 #include "sinks.h"
 #include "text.h"
 #include "unfinished.h"
@@ -12,8 +13,8 @@ namespace timeline {
 namespace {
 
 struct Times {
-    unsigned long m_calls = 0;
-    unsigned long m_cutCalls = 0;
+    std::int64_t m_calls = 0;
+    std::int64_t m_cutCalls = 0;
     double m_total = 0;  // of calls of calls too: may be more than an integer holds
     std::int64_t m_own = 0;
     std::int64_t m_shortest = INT64_MAX;
@@ -22,7 +23,7 @@ struct Times {
 
 class Summary : public Sink {
 public:
-    explicit Summary(std::ostream& output) : m_output(output) {}
+    explicit Summary(Output& output) : m_output(output) {}
 
     void Enter(std::int64_t thread, const Call& /*call*/) override { m_unfinished.GoOn(thread); }
     void Leave(std::int64_t thread, const Call& call) override {
@@ -54,13 +55,13 @@ public:
             m_output << "Exceptions\n";
         }
         for (const auto& [place, count] : m_thrown) {
-            m_output << "  " << count << " thrown in " << Printable(place) << '\n';
+            m_output << "  " << count << " thrown in " << Printable(place) << "\n";
         }
         if (!m_unfinished.Findings().empty()) {
             m_output << "Not finished\n";
         }
         for (const std::string& finding : m_unfinished.Findings()) {
-            m_output << "  " << finding << '\n';
+            m_output << "  " << finding << "\n";
         }
     }
 
@@ -75,34 +76,34 @@ private:
             return std::make_pair(-left.second.m_own, *left.first) <
                    std::make_pair(-right.second.m_own, *right.first);
         });
-        m_output << "Thread " << thread << '\n';
+        m_output << "Thread " << thread << "\n";
         char line[160];
         std::snprintf(line, sizeof(line), "%10s %14s %14s %14s %14s %14s  %s\n", "calls",
                       "total us", "own us", "shortest us", "longest us", "mean us", "function");
         m_output << line;
         for (const auto& [function, times] : rows) {
-            std::snprintf(line, sizeof(line), "%10lu %14.3f %14.3f %14.3f %14.3f %14.3f  ",
-                          times.m_calls, times.m_total / 1e3, Micro(times.m_own),
-                          Micro(times.m_shortest), Micro(times.m_longest),
+            std::snprintf(line, sizeof(line), "%10lld %14.3f %14.3f %14.3f %14.3f %14.3f  ",
+                          static_cast<long long>(times.m_calls), times.m_total / 1e3,
+                          Micro(times.m_own), Micro(times.m_shortest), Micro(times.m_longest),
                           times.m_total / 1e3 / static_cast<double>(times.m_calls));
             m_output << line << Printable(*function);
             if (times.m_cutCalls > 0) {
                 m_output << " (" << times.m_cutCalls << " without exit)";
             }
-            m_output << '\n';
+            m_output << "\n";
         }
     }
     static double Micro(std::int64_t nanoseconds) { return static_cast<double>(nanoseconds) / 1e3; }
 
-    std::ostream& m_output;
+    Output& m_output;
     std::map<std::int64_t, Functions> m_threads;
-    std::map<std::string, unsigned long> m_thrown;
+    std::map<std::string, std::int64_t> m_thrown;
     Unfinished m_unfinished;
 };
 
 }  // namespace
 
-std::unique_ptr<Sink> MakeSummary(std::ostream& output) {
+std::unique_ptr<Sink> MakeSummary(Output& output) {
     return std::make_unique<Summary>(output);
 }
 

@@ -28,8 +28,9 @@ std::string SiteMembers(std::string_view site) {
     const std::string_view line = site.substr(number);
     const bool isNumber = !line.empty() && line[0] != '0' && line.size() <= 15;
     const std::string_view name = isNumber ? site.substr(0, file) : site;
-    return (name.empty() ? "" : ",\"file\":" + Quoted(name)) +
-           (isNumber ? ",\"line\":" + std::string(line) : "");
+    return (name.empty() ? "" : "\"file\":" + Quoted(name)) +
+           (name.empty() || !isNumber ? "" : ",") +
+           (isNumber ? "\"line\":" + std::string(line) : "");
 }
 
 std::string MomentText(std::int64_t time) {
