@@ -1,6 +1,6 @@
 # What a host needs to be built with the library: cmake --install, into any prefix.
 #   component runtime      the library
-#   component development  headers, link, CMake package, pkg-config
+#   component development  headers, link, CMake package, pkg-config; the tools install themselves
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

@@ -1,5 +1,5 @@
 # Debian packages, by cpack: libzelvarquor2.8 with the library, libzelvarquor-dev with what hosts are
-# built with, and one with debugging information. See the preset "package".
+# built with and the tools, and two with their debugging information. See the preset "package".
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zelvarquor)
 set(CPACK_PACKAGE_VENDOR "libzelvarquor maintainers")
@@ -30,11 +30,14 @@ set(development libzelvarquor-dev)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Trace, log, reported exceptions and assertions, threads, daemonising and\n\
 signals for the daemons and tools of one product family.\n\
-This package has the headers, the CMake package and the pkg-config file.\n\
+This package has the headers, the CMake package, the pkg-config file, and\n\
+quor-timeline, which shows the calls that a trace holds.\n\
 Programs that include quor/any.h also need libboost-dev.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${development})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime} (= ${version}), libstdc++-12-dev | libstdc++-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_DEVELOPMENT_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "libboost-dev")
 
 # Every Debian package says what changed and who owns it.

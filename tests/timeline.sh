@@ -39,6 +39,11 @@ expect "exit 1" no_such_file
 told "quor-timeline: no_such_file: No such file or directory"
 "$program" tricky.trace >/dev/full 2>/dev/null && fail "a full disk is no error"
 
+# The manual knows the options, and no others.
+options() { grep -oE -- '--[a-z]{2,}' | sort -u; }
+differ=$(diff <("$program" --help | options) <(sed 's/\\-/-/g' ../../docs/man/quor-timeline.1 | options)) ||
+    fail "options in the help and in the manual:"$'\n'"$differ"
+
 # Per thread every end has its begin, and time does not go back.
 nests='reduce .[] as $e ({open: [], at: 0};
     if $e.at < .at then error("back") else .at = $e.at end |

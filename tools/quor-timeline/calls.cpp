@@ -17,17 +17,11 @@ void Calls::Take(const Line& line) {
             m_process = Process();
             break;
         case Line::eStart:
-            m_midnight = line.m_time - line.m_time % c_day;
-            m_lastTimeOfDay = line.m_time % c_day;
-            m_now = line.m_time;
-            break;
         case Line::eName:
-            m_process.m_name = line.m_text;
-            break;
         case Line::eProcess:
-            m_process.m_id = line.m_thread;
-            m_process.m_start = m_now;
-            m_sink.Run(m_process);
+            if (m_isAtBegin) {
+                TakeFact(line);
+            }
             break;
         case Line::eEnter:
             Enter(line, Now(line.m_time));
@@ -49,6 +43,20 @@ void Calls::Take(const Line& line) {
     }
 }
 
+void Calls::TakeFact(const Line& line) {
+    if (line.m_kind == Line::eStart) {
+        m_midnight = line.m_time - line.m_time % c_day;
+        m_lastTimeOfDay = line.m_time % c_day;
+        m_now = line.m_time;
+    } else if (line.m_kind == Line::eName) {
+        m_process.m_name = line.m_text;
+    } else {
+        m_process.m_id = line.m_thread;
+        m_process.m_start = m_now;
+        m_sink.Run(m_process);
+    }
+}
+
 void Calls::Pass(const Line& line) {
     if (line.IsOfThread()) {
         Now(line.m_time);
@@ -64,6 +72,7 @@ void Calls::EndRun() {
     m_stacks.clear();
     m_sink.EndRun();
     m_lastTimeOfDay = -1;
+    m_isAtBegin = true;
 }
 
 std::int64_t Calls::Now(std::int64_t timeOfDay) {
@@ -76,6 +85,7 @@ std::int64_t Calls::Now(std::int64_t timeOfDay) {
     }
     m_midnight = std::min(m_midnight, c_endOfTime);
     m_lastTimeOfDay = timeOfDay;
+    m_isAtBegin = false;
     m_now = std::max(m_now, m_midnight + timeOfDay);
     return m_now;
 }

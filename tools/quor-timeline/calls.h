@@ -40,6 +40,7 @@ public:
 private:
     using Stack = std::vector<Call>;
 
+    void TakeFact(const Line& line);
     std::int64_t Now(std::int64_t timeOfDay);
     void Enter(const Line& line, std::int64_t now);
     void Exit(const Line& line, std::int64_t now);
@@ -47,7 +48,8 @@ private:
     const std::string* Name(std::string_view text);
 
     Sink& m_sink;
-    Process m_process;  // what its block has told so far
+    Process m_process;        // what its block has told so far
+    bool m_isAtBegin = true;  // no entry yet in this run: only then its block counts
     std::map<std::int64_t, Stack> m_stacks;
     // Keys are the texts that the values own, so that a name is looked up without a copy.
     std::unordered_map<std::string_view, std::unique_ptr<const std::string>> m_names;
