@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <map>
 
 #include "line.h"
 #include "output.h"
@@ -14,6 +15,7 @@ public:
 
     void Run(const Process& process) override {
         m_process = process.m_id;
+        m_heads.clear();
         Begin("M", 0, process.m_start);
         m_output << ",\"name\":\"process_name\",\"args\":{\"name\":" << Quoted(process.m_name)
                  << "}}";
@@ -39,12 +41,19 @@ public:
 private:
     void Begin(std::string_view phase, std::int64_t thread, std::int64_t time) {
         m_midnight = m_midnight < 0 ? time - time % c_day : m_midnight;
-        m_output << m_separator << "\n{\"ph\":\"" << phase << "\",\"pid\":" << m_process
-                 << ",\"tid\":" << thread << ",\"ts\":";
+        m_output << m_separator << "\n{\"ph\":\"" << phase << Head(thread);
         WriteMicroseconds(time - m_midnight);
         m_separator = ",";
     }
 
+    const std::string& Head(std::int64_t thread) {
+        std::string& head = m_heads[thread];
+        if (head.empty()) {
+            head = "\",\"pid\":" + std::to_string(m_process) +
+                   ",\"tid\":" + std::to_string(thread) + ",\"ts\":";
+        }
+        return head;
+    }
     void WriteMicroseconds(std::int64_t nanoseconds) {
         const std::int64_t positive = std::abs(nanoseconds);
         const auto rest = static_cast<int>(positive % 1000);
@@ -57,6 +66,7 @@ private:
     Output& m_output;
     const char* m_separator = "";
     std::int64_t m_process = 0;
+    std::map<std::int64_t, std::string> m_heads;  // of this process' threads
     // Times are counted from the first midnight: readers take one for a double, which has
     // nanoseconds for a hundred days.
     std::int64_t m_midnight = -1;

@@ -1,5 +1,7 @@
 #include "line.h"
 
+#include <cstring>
+
 namespace timeline {
 namespace {
 
@@ -31,8 +33,8 @@ std::int64_t TwoDigits(const char* text) {
     return IsDigit(text[0]) && IsDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -1;
 }
 
-bool StartsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
+inline bool StartsWith(std::string_view text, std::string_view start) {
+    return text.size() >= start.size() && std::memcmp(text.data(), start.data(), start.size()) == 0;
 }
 
 // A rule ends a block or begins one. It stands behind what a killed process left of its last line.
