@@ -114,6 +114,20 @@ TEST_F(SpooldProcess, RestartFinishesEveryStepThatAKillInterrupted) {
     EXPECT_EQ(ReadFile("spool/done/half.report").find('?'), std::string::npos);
 }
 
+TEST_F(SpooldProcess, SignalThatComesBeforeItsHandlerIsHandled) {
+    Child child([](Pipe&) {
+        sigset_t terminate;
+        sigemptyset(&terminate);
+        sigaddset(&terminate, SIGTERM);
+        sigprocmask(SIG_BLOCK, &terminate, nullptr);
+        raise(SIGTERM);
+        execl(QUOR_TEST_SPOOLD, "spoold", "--spool", "spool", "--log", "log", "--foreground",
+              nullptr);
+    });
+    EXPECT_EQ(child.Exit(), 0);
+    EXPECT_THAT(ReadFile("log"), AllOf(HasSubstr("Signal: Terminated"), HasSubstr("Stopped; ")));
+}
+
 TEST_F(SpooldProcess, EveryFileHasOneReportHoweverOftenItIsKilled) {
     Names expected;
     for (int number = 100; number < 160; ++number) {

@@ -55,7 +55,7 @@ void HoldBack(const std::string& notBefore, const StopRequest& stop) {
 
 // Runs the program's threads until a stop is requested, and ends them in the order in which none
 // misses what it uses.
-void Serve(CommandLine& commandLine, const Options& options, Spool& spool) {
+void Serve(CommandLine& commandLine, const Options& options, Spool& spool, HeldSignals& held) {
     QUOR_TRACE_FNC();
     StopRequest stop;
     Spooler spooler(spool, stop);
@@ -68,6 +68,7 @@ void Serve(CommandLine& commandLine, const Options& options, Spool& spool) {
     Signals signals(commandLine, spooler, stop);
     const std::unique_ptr<quor::SignalHandlerThread> signalThread(
         quor::SignalHandlerThread::InstallHandler(signals, Signals::c_numbers));
+    held.LetGo();
     try {
         quor::Log::GetInstance().Info("Started on " + Quoted(options.m_spool));
         if (!options.m_notBefore.empty()) {
@@ -109,12 +110,13 @@ void Run(CommandLine& commandLine) {
     // Its lock goes along into the daemon. Static, and older than the Daemon object: the lock goes
     // after the PID file, or the next daemon's PID file could be the one that is removed.
     static Spool spool(options.m_spool);
+    HeldSignals held;
     if (options.m_mode == Options::eDaemon) {
         Daemonise(options);
     }
     try {
         StartReporting(options);
-        Serve(commandLine, options, spool);
+        Serve(commandLine, options, spool, held);
     } catch (const std::exception& error) {
         quor::Log::GetInstance().Critical(error.what());
         throw;

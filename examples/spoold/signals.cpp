@@ -11,6 +11,18 @@
 #include "reporting.h"
 
 namespace spoold {
+namespace {
+
+void ChangeMask(int how) {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int* number = Signals::c_numbers; *number != 0; ++number) {
+        sigaddset(&signals, *number);
+    }
+    pthread_sigmask(how, &signals, nullptr);
+}
+
+}  // namespace
 
 const int Signals::c_numbers[] = {SIGHUP, SIGINT, SIGTERM, SIGUSR1, SIGUSR2, 0};
 
@@ -39,6 +51,14 @@ void Signals::Reread() {
         quor::Log::GetInstance().Error(std::string(error.what()) + "; the level stays");
     }
     ReopenTrace(level);
+}
+
+HeldSignals::HeldSignals() {
+    ChangeMask(SIG_BLOCK);
+}
+
+void HeldSignals::LetGo() {
+    ChangeMask(SIG_UNBLOCK);
 }
 
 }  // namespace spoold

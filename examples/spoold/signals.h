@@ -28,6 +28,18 @@ private:
     StopRequest& m_stop;
 };
 
+/// Keeps the signals of the program pending until it can handle them: from when its PID file names
+/// it on it may get one, whose default would end it and leave the file behind.
+class HeldSignals {
+public:
+    HeldSignals();
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+    ~HeldSignals() { LetGo(); }
+    /// Also those that whoever started the program held back.
+    void LetGo();
+};
+
 }  // namespace spoold
 
 #endif
