@@ -8,6 +8,10 @@ namespace {
 // No clock of a trace gets there; a file that is none must not make times overflow.
 constexpr std::int64_t c_endOfTime = 100'000 * c_day;
 
+// So many calls without exit may lie in the one that an exit ends. Searched further, a file with
+// many entries and many exits of others would take hours.
+constexpr std::ptrdiff_t c_reach = 1000;
+
 }  // namespace
 
 void Calls::Take(const Line& line) {
@@ -101,10 +105,12 @@ void Calls::Enter(const Line& line, std::int64_t now) {
 
 void Calls::Exit(const Line& line, std::int64_t now) {
     Stack& stack = m_stacks[line.m_thread];
-    const auto match = std::find_if(stack.rbegin(), stack.rend(), [&line](const Call& call) {
+    const auto end =
+        stack.rbegin() + std::min<std::ptrdiff_t>(stack.rend() - stack.rbegin(), c_reach);
+    const auto match = std::find_if(stack.rbegin(), end, [&line](const Call& call) {
         return *call.m_function == line.m_text && *call.m_site == line.m_site;
     });
-    if (match == stack.rend()) {
+    if (match == end) {
         ++m_unmatchedExits;
         return;
     }

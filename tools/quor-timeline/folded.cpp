@@ -24,20 +24,26 @@ public:
     explicit Folded(Output& output) : m_output(output) {}
 
     void Enter(std::int64_t thread, const Call& call) override {
-        const auto [top, isNew] = m_tops.try_emplace(thread, 0);
+        const auto [top, isNew] = m_tops.try_emplace(thread);
         if (isNew) {
-            top->second = Add({thread, nullptr, c_none, 0});
+            top->second.m_node = Add({thread, nullptr, c_none, 0});
         }
-        const auto [inner, isNewStack] = m_inner.try_emplace({top->second, call.m_function}, 0);
+        if (++top->second.m_depth > c_deepest) {
+            return;
+        }
+        std::size_t& node = top->second.m_node;
+        const auto [inner, isNewStack] = m_inner.try_emplace({node, call.m_function}, 0);
         if (isNewStack) {
-            inner->second = Add({thread, call.m_function, top->second, 0});
+            inner->second = Add({thread, call.m_function, node, 0});
         }
-        top->second = inner->second;
+        node = inner->second;
     }
     void Leave(std::int64_t thread, const Call& call) override {
-        std::size_t& top = m_tops[thread];
-        m_nodes[top].m_own += call.m_end - call.m_begin - call.m_inner;
-        top = m_nodes[top].m_outer;
+        Top& top = m_tops[thread];
+        m_nodes[top.m_node].m_own += call.m_end - call.m_begin - call.m_inner;
+        if (--top.m_depth < c_deepest) {
+            top.m_node = m_nodes[top.m_node].m_outer;
+        }
     }
     void Finish() override {
         std::stable_sort(m_written.begin(), m_written.end(),
@@ -53,6 +59,13 @@ public:
 
 private:
     static constexpr std::size_t c_none = SIZE_MAX;
+    // Of a deeper stack this much is written: lines of ever longer stacks would fill the disk.
+    static constexpr std::size_t c_deepest = 1000;
+
+    struct Top {
+        std::size_t m_node = c_none;
+        std::size_t m_depth = 0;
+    };
 
     struct Node {
         std::int64_t m_thread;
@@ -93,7 +106,7 @@ private:
     std::vector<Node> m_nodes;
     std::vector<std::size_t> m_written;  // the nodes in the order in which they are written
     std::unordered_map<Key, std::size_t, Hash> m_inner;
-    std::map<std::int64_t, std::size_t> m_tops;
+    std::map<std::int64_t, Top> m_tops;
     Made<Frame> m_frame;
 };
 
