@@ -25,7 +25,7 @@ told() { # EXPECTED: on standard error by the last one
 expect "$(cat tricky.folded)"$'\nexit 0' --folded tricky.trace
 told "quor-timeline: lines not understood: 5, exits without entry: 1, calls without exit: 4, clock set back: 1"
 expect "$(cat tricky.summary)"$'\nexit 0' <tricky.trace
-expect $'102;void Unplaced() 100\nexit 1' --folded --thread 102 --strict tricky.trace
+expect $'102;void Unplaced() 100\n102;void WithoutLine() 200\nexit 1' --folded --thread 102 --strict tricky.trace
 # The hidden lines move the clock too: without them it would not be midnight between these two.
 expect $'101;void Other(a, b) 3899999900\nexit 0' --folded --thread 101 --to 00:00:02 tricky.trace
 expect $'100;void Outer() 100\n100;void Outer();void Inner() 1699999900\nexit 0' \

@@ -62,17 +62,18 @@ std::int64_t DaysSinceEpoch(std::int64_t year, std::int64_t month, std::int64_t 
     return shifted * 365 + shifted / 4 - shifted / 100 + shifted / 400 + dayOfYear - 719'468;
 }
 
-// Splits "[file][line]: text". A site ends in a digit, unless both flags are off: then there is
-// none.
+// Splits "[file][line]: text". A site ends in a digit, or is a file's name alone, without a blank;
+// when both flags are off there is none.
 void SplitSite(Line& line, std::string_view rest) {
     const std::size_t colon = rest.find(": ");
-    if (colon != std::string_view::npos && colon > 0 && IsDigit(rest[colon - 1])) {
-        line.m_site = rest.substr(0, colon);
-        line.m_site.remove_prefix(line.m_site.find_first_not_of(' '));
-        line.m_text = rest.substr(colon + 2);
-    } else {
+    if (colon == std::string_view::npos || colon == 0 ||
+        (!IsDigit(rest[colon - 1]) && rest.find(' ') < colon)) {
         line.m_text = rest;
+        return;
     }
+    line.m_site = rest.substr(0, colon);
+    line.m_site.remove_prefix(line.m_site.find_first_not_of(' '));
+    line.m_text = rest.substr(colon + 2);
 }
 
 // Takes "==> " and its like from the text.
