@@ -1,6 +1,7 @@
 # What a host needs to be built with the library: cmake --install, into any prefix.
 #   component runtime      the library
-#   component development  headers, link, CMake package, pkg-config; the tools install themselves
+#   component development  headers, link, CMake package, pkg-config, format for lnav; the tools install
+#                          themselves
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -50,6 +51,12 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/zelvarquor.pc.in ${PROJECT_BINARY_DIR
 install(
     FILES ${PROJECT_BINARY_DIR}/zelvarquor.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
+
+# For who reads traces and logs with lnav: lnav -i FILE.
+install(
+    FILES ${PROJECT_SOURCE_DIR}/packaging/lnav/quor.json
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/quor/lnav
     COMPONENT development)
 
 option(QUOR_INSTALL_ASSERT_DIRECTORY "Install the folder that a failed assertion writes to" OFF)

@@ -30,8 +30,8 @@ set(development libzelvarquor-dev)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Trace, log, reported exceptions and assertions, threads, daemonising and\n\
 signals for the daemons and tools of one product family.\n\
-This package has the headers, the CMake package, the pkg-config file, and\n\
-quor-timeline, which shows the calls that a trace holds.\n\
+This package has the headers, the CMake package, the pkg-config file, a\n\
+format for lnav, and quor-timeline, which shows the calls that a trace holds.\n\
 Programs that include quor/any.h also need libboost-dev.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${development})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
