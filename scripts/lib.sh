@@ -44,3 +44,4 @@ packages_to_test=(binutils clang-format jq libgtest-dev libgmock-dev lnav logrot
 packages_to_test_all=(abigail-tools clang clang-tidy doxygen make strace valgrind)
 packages_to_test_i386=(abigail-tools jq lnav logrotate python3-jsonschema g++-multilib lib32z1-dev googletest binutils)
 packages_to_test_install=(clang dpkg-dev lintian pkg-config systemd)
+packages_for_picture=(chromium fonts-noto-color-emoji)
