@@ -163,7 +163,9 @@ Time::Time(const Time& other)
 Time& Time::operator=(const Time& other) {
     if (this != &other) {
         m_format = other.m_format;
-        m_time = other.m_time;
+        // One by one: a processor has to wait when it reads at once what was just written apart.
+        m_time.tv_sec = other.m_time.tv_sec;
+        m_time.tv_nsec = other.m_time.tv_nsec;
         m_textStale = true;
     }
     return *this;
@@ -175,6 +177,9 @@ Time Time::Now(int format) {
 
 // Carries by division, not second by second: a 64-bit count of nanoseconds would take seconds.
 void Time::Normalise() {
+    if (m_time.tv_nsec >= 0 && m_time.tv_nsec < c_nanosecondsPerSecond) {
+        return;
+    }
     long carry = m_time.tv_nsec / c_nanosecondsPerSecond;
     long rest = m_time.tv_nsec % c_nanosecondsPerSecond;
     if (rest < 0) {
