@@ -8,10 +8,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cinttypes>
+#include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -19,6 +19,7 @@ namespace quor {
 namespace {
 
 constexpr int c_maxDepth = 128;
+constexpr std::size_t c_longestFrameText = 499;
 
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
@@ -62,9 +63,15 @@ std::string FrameText(void* address) {
         const std::unique_ptr<char*, Free> symbols(backtrace_symbols(&address, 1));
         return symbols != nullptr ? *symbols : std::string();
     }
-    char text[500];
-    std::snprintf(text, sizeof(text), "%s(%s) [0x%" PRIxPTR "]", info.dli_fname, function.get(),
-                  reinterpret_cast<std::uintptr_t>(info.dli_saddr));
+    char start[2 * sizeof(std::uintptr_t)];
+    char* const end =
+        std::to_chars(start, std::end(start), reinterpret_cast<std::uintptr_t>(info.dli_saddr), 16)
+            .ptr;
+    std::string text;
+    text.reserve(c_longestFrameText + 1);
+    text.append(info.dli_fname).append("(").append(function.get()).append(") [0x");
+    text.append(start, end).append("]");
+    text.resize(std::min(text.size(), c_longestFrameText));
     return text;
 }
 
