@@ -1,6 +1,7 @@
 #include "support.h"
 
 #include <iomanip>
+#include <iostream>
 #include <locale>
 #include <map>
 
@@ -90,6 +91,53 @@ TEST(TraceMacro, PrintsNumbersPlainlyWhateverTheLocaleAndTheMessageBefore) {
         QUOR_TRACE(Low, 123456 << std::setw(3) << 1);
         EXPECT_EQ(Masked(ReadFile("trace.log")),
                   TraceOpening("started") + "[#: #] 12345: x\n[#: #] #\n[#: #] 123456  1\n");
+    }
+    std::locale::global(previous);
+}
+
+std::string StateOf(std::ostream& stream, int word) {
+    std::ostringstream state;
+    state.imbue(std::locale::classic());
+    state << stream.flags() << ' ' << stream.precision() << ' ' << stream.width() << " '"
+          << stream.fill() << "' " << stream.exceptions() << ' ' << stream.rdstate() << ' '
+          << stream.tie() << ' ' << stream.getloc().name() << ' ' << stream.rdbuf()->getloc().name()
+          << ' ' << stream.iword(word) << ' ' << stream.pword(word);
+    return state.str();
+}
+
+// Takes the state of the message's stream, and leaves another behind.
+struct Foul {
+    std::string& state;
+    int word;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Foul& foul) {
+    foul.state = StateOf(stream, foul.word);
+    stream.imbue(std::locale());
+    stream.tie(&std::cout);
+    stream.exceptions(std::ios_base::badbit);
+    stream.iword(foul.word) = 1;
+    stream.pword(foul.word) = &stream;
+    stream << std::hex << std::setprecision(2) << std::setfill('*') << std::setw(9);
+    stream.setstate(std::ios_base::failbit);
+    return stream;
+}
+
+TEST(TraceMacro, BuildsEachMessageOnAStreamAsGoodAsNew) {
+    const TraceTap trace;
+    const int word = 20 + std::ios_base::xalloc();  // beyond what a stream has room for
+    std::ostringstream fresh;
+    fresh.imbue(std::locale::classic());
+    const std::string expected = StateOf(fresh, word);
+    const std::locale previous = std::locale();
+    for (const std::locale& global :
+         {std::locale::classic(), std::locale(std::locale::classic(), new Grouping)}) {
+        std::locale::global(global);
+        for (int pass = 0; pass < 2; ++pass) {
+            std::string state;
+            QUOR_TRACE(Low, (Foul{state, word}));
+            EXPECT_EQ(state, expected) << global.name() << ", pass " << pass;
+        }
     }
     std::locale::global(previous);
 }

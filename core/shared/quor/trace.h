@@ -132,7 +132,9 @@ private:
 
     int m_errno;
     Buffer m_buffer;
-    std::ostream m_stream;
+    union {
+        std::ostream m_stream;  // built by the constructor in a cheaper way than its own
+    };
 };
 
 /// The base name of a source file without its extension, made by the compiler.
