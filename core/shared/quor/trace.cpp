@@ -59,7 +59,7 @@ TraceLevel_e TraceActiveLevel() {
 
 void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                 const std::string& text) {
-    TraceFile::GetInstance().TraceLine(level, file, line, text.c_str());
+    TraceFile::TraceLine(level, file, line, text.c_str());
 }
 
 // Sites stand in destructors and in the last handlers of threads, where an exception would end the
@@ -88,7 +88,7 @@ TraceMessage::~TraceMessage() {
 void TraceMessage::Write(TraceLevel_e level, const char* /*function*/, const char* file,
                          int line) const noexcept {
     try {
-        TraceFile::GetInstance().TraceLine(level, file, line, m_buffer.Text());
+        TraceFile::TraceLine(level, file, line, m_buffer.Text());
     } catch (...) {
     }
 }

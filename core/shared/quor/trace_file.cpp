@@ -81,17 +81,17 @@ struct LineStart {
 // In the room that the C library sets aside for libraries loaded late, to be read without a call.
 __attribute__((tls_model("initial-exec"))) thread_local LineStart t_lineStart{};
 
-std::atomic<unsigned>* ProcessWord() {
-    static std::atomic<unsigned>* const word = MapProcessWord();
-    return word;
-}
+// Null until the first line, and where the kernel refuses.
+std::atomic<std::atomic<unsigned>*> g_processWord(nullptr);
 
 __attribute__((noinline)) void RenewLineStart() {
     static std::atomic<unsigned> processes(0);  // grows from parent to child, as fork copies it
+    static std::atomic<unsigned>* const word = MapProcessWord();
+    g_processWord = word;
     unsigned process = 0;
-    if (ProcessWord() != nullptr) {
+    if (word != nullptr) {
         const unsigned next = ++processes;
-        process = ProcessWord()->compare_exchange_strong(process, next) ? next : process;
+        process = word->compare_exchange_strong(process, next) ? next : process;
     }
     LineStart& start = t_lineStart;
     start.length =
@@ -102,7 +102,7 @@ __attribute__((noinline)) void RenewLineStart() {
 // A thread asks the kernel for its id only once in each process: a system call is dear. A child
 // that shares this memory (CLONE_VM) needs a thread area of its own, as the C library wants too.
 const LineStart& LineStartOfThread() {
-    const std::atomic<unsigned>* const word = ProcessWord();
+    const std::atomic<unsigned>* const word = g_processWord;
     if (word == nullptr || t_lineStart.process == 0 || t_lineStart.process != word->load()) {
         RenewLineStart();
     }
@@ -307,16 +307,17 @@ void TraceFile::Trace(TraceLevel_e level, const char* /*function*/, const char* 
 
 void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const char* text) {
     const ErrnoKeeper keeper;
-    if (level <= Off || level > m_level) {
+    TraceFile& trace = GetInstance();
+    if (level <= Off || level > trace.m_level) {
         return;
     }
-    const bool printFile = m_printFile;
-    const bool printLine = m_printLine;
+    const bool printFile = trace.m_printFile;
+    const bool printLine = trace.m_printLine;
     const std::string_view source(printFile ? file : "");
     const std::string_view message(text);
     LineRoom room(c_roomOfFrame + source.size() + message.size());
     char* const header = room.Begin();
-    char* const body = PrintsLineHeader() ? PutHeader(header) : header;
+    char* const body = trace.PrintsLineHeader() ? PutHeader(header) : header;
     char* end = body;
     if (printFile) {
         end = Put(end, source);
@@ -329,14 +330,14 @@ void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const 
     }
     end = Put(Put(end, message), "\n");
 
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (level > m_level || !IsOpen()) {
+    const std::lock_guard<std::mutex> lock(trace.m_mutex);
+    if (level > trace.m_level || !trace.IsOpen()) {
         return;
     }
     if (body != header) {
-        PutStamp(body);
+        trace.PutStamp(body);
     }
-    WriteFinished({header, static_cast<std::size_t>(end - header)});
+    trace.WriteFinished({header, static_cast<std::size_t>(end - header)});
 }
 
 __attribute__((noinline)) void TraceFile::DumpStack() {

@@ -115,10 +115,11 @@ private:
     std::string FileTrailer() const override;
     std::string LineHeader() const override;
 
-    // Trace() of a C string that keeps errno. All but the stamp is put together before m_mutex is
-    // taken.
-    __attribute__((visibility("hidden"))) void TraceLine(TraceLevel_e level, const char* file,
-                                                         int line, const char* text);
+    // Trace() of a C string in the one instance. Keeps errno. All but the stamp is put together
+    // before m_mutex is taken.
+    __attribute__((visibility("hidden"))) static void TraceLine(TraceLevel_e level,
+                                                                const char* file, int line,
+                                                                const char* text);
 
     // All but End() are called with m_mutex held.
     __attribute__((visibility("hidden"))) void PutStamp(char* end) const;
