@@ -14,6 +14,13 @@ $1 ~ /_median"?$/ {
     }
     nanoseconds[row, subject] = $3
 }
+function sort_rows(    r, hole, row) { # they come in the order in which the runs ended
+    for (r = 2; r <= row_count; ++r) {
+        row = rows[r]
+        for (hole = r; hole > 1 && rows[hole - 1] > row; --hole) rows[hole] = rows[hole - 1]
+        rows[hole] = row
+    }
+}
 function ratio(row, subject) { return nanoseconds[row, subject] / nanoseconds[row, "floor"] }
 function bar(row, subject, colour,    width) {
     width = ratio(row, subject) * 120; if (width > 460) width = 460
@@ -42,6 +49,7 @@ function picture(    r, p, row, bars, height) {
     print "<line x1=\"370\" y1=\"26\" x2=\"370\" y2=\"" height "\" stroke=\"black\"/>\n</svg>" > svg
 }
 END {
+    sort_rows()
     printf "%-34s %10s %10s %6s\n", "", "floor ns", "quor ns", "ratio"
     print "{\n  \"unit\": \"ns\",\n  \"questions\": [" > json
     for (r = 1; r <= row_count; ++r) {
