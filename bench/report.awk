@@ -23,7 +23,7 @@ function sort_rows(    r, hole, row) { # they come in the order in which the run
 }
 function ratio(row, subject) { return nanoseconds[row, subject] / nanoseconds[row, "floor"] }
 function bar(row, subject, colour,    width) {
-    width = ratio(row, subject) * 120; if (width > 460) width = 460
+    width = ratio(row, subject) * 100; if (width > 460) width = 460
     printf "<rect x=\"250\" y=\"%d\" width=\"%.1f\" height=\"11\" fill=\"%s\"/>", y, width, colour > svg
     printf "<text x=\"%.1f\" y=\"%d\">%.2f%s</text>\n", 256 + width, y + 10, ratio(row, subject), \
         subject == "quor" ? "" : " " subject > svg
@@ -46,7 +46,7 @@ function picture(    r, p, row, bars, height) {
         for (p = 1; p <= peer_count; ++p) if ((row, order[p]) in nanoseconds) bar(row, order[p], "#b0b0b0")
         y += 4
     }
-    print "<line x1=\"370\" y1=\"26\" x2=\"370\" y2=\"" height "\" stroke=\"black\"/>\n</svg>" > svg
+    print "<line x1=\"350\" y1=\"26\" x2=\"350\" y2=\"" height "\" stroke=\"black\"/>\n</svg>" > svg
 }
 END {
     sort_rows()
