@@ -38,11 +38,15 @@ log.cpp|<quor/novelty.h>|quor/novelty.h, which has no layer
 novelty.cpp|<quor/time.h>|module novelty has no layer
 ROWS
 
-# Exports: one symbol too many, one too few
+# Exports: one symbol too many, one too few, a variable that the library does not look up
 sed 1d tests/exported_symbols.txt >"$work/list"
 fails_with "+$(head -n 1 tests/exported_symbols.txt)" scripts/check-exports "$library" "$work/list"
 { cat tests/exported_symbols.txt; echo 'quor::~'; } >"$work/list"
 fails_with '-quor::~' scripts/check-exports "$library" "$work/list"
+echo 'int g_number; int Number() { return g_number; }' >"$work/number.cpp"
+"$compiler" -fPIC -shared -Wl,-Bsymbolic "$work/number.cpp" -o "$work/number.so"
+scripts/check-exports "$work/number.so" "$work/list" --update
+fails_with 'must name g_number' scripts/check-exports "$work/number.so" "$work/list"
 
 # The file: names, then the strings in it
 mkdir "$work/lib"
