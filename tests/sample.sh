@@ -1,32 +1,16 @@
 #!/bin/bash
-# sample.sh PROGRAM FOLDER: what quor-timeline makes of the trace that the library has just written, by
-# make_sample.sh. Threads are numbered as they appear, and times left out.
+# sample.sh PROGRAM GUIDE FOLDER: what quor-timeline makes of the trace that the library has just written, by
+# make_sample.sh. Threads are numbered as they appear, and times left out. GUIDE is docs/sample.txt.
 set -euo pipefail
 program=$1
-trace=$2/sample.trace
+guide=$2
+trace=$3/sample.trace
 status=0
 expect() { # EXPECTED FOUND
     diff <(echo "$1") <(echo "$2") || status=1
 }
 
-calls="1 void Read(int)
-1 void Read(int);void Check(int)
-1 quor::WorkerThread::WorkerThread(const std::string&)
-1 void quor::WorkerThread::Start()
-1 void Control()
-1 void Control();quor::ThreadController::ThreadController(std::string, LoopFnc, CancelLoopFnc)
-1 void Fail(const std::string&)
-1 void Lower()
-1 void Lower();void Rest()
-1 void Lower();void quor::WorkerThread::Stop()
-1 void Lower();virtual quor::WorkerThread::~WorkerThread()
-2 void quor::WorkerThread::operator()()
-2 void quor::WorkerThread::operator()();void Read(int)
-2 void quor::WorkerThread::operator()();void Read(int);void Check(int)
-3 void quor::WorkerThread::operator()()
-3 void quor::WorkerThread::operator()();void Read(int)
-3 void quor::WorkerThread::operator()();void Read(int);void Check(int)
-4 void quor::ThreadController::Run()"
+calls=$(cat "$guide") # as the guide shows them
 folded=$("$program" --folded "$trace" 2>/dev/null | sed -E 's/ ([&*])([,)])/\1\2/g' |
     awk -F ';' '!($1 in number) { number[$1] = ++threads } { sub(/^[0-9]+;/, number[$1] " "); sub(/ [0-9]+$/, ""); print }')
 again=$(sed -E 's/^4/8/; s/^3/7/; s/^2/6/; s/^1/5/' <<<"$calls") # the second run's
