@@ -10,6 +10,8 @@
 #include <quor/worker_pool.h>
 #include <quor/worker_thread.h>
 
+#include <semaphore.h>
+
 #include <future>
 #include <memory>
 #include <string>
@@ -77,26 +79,29 @@ private:
     const std::shared_future<void> m_end;
 };
 
+// Posts when the thread that made it ends, behind the last line of that thread.
+struct AtThreadEnd {
+    static inline sem_t s_ended;
+    ~AtThreadEnd() { sem_post(&s_ended); }
+};
+
 // One pass of a loop that is stopped while it waits.
 void Control() {
     QUOR_TRACE_FNC();
-    struct Loop {
-        std::promise<void> m_cancelled;
-        std::promise<void> m_left;
-    };
     cStopSleepPeriodMs = 10'000;  // one cancellation, which is kept
-    const auto loop = std::make_shared<Loop>();
+    sem_init(&AtThreadEnd::s_ended, 0, 0);
+    const auto cancelled = std::make_shared<std::promise<void>>();
     quor::ThreadController controller(
         "rescan",
-        [loop] {
+        [cancelled] {
+            static thread_local const AtThreadEnd t_end;
             QUOR_TRACE(quor::High, "rescan waits");
-            loop->m_cancelled.get_future().wait();
-            loop->m_left.set_value_at_thread_exit();  // behind the last line of this thread
+            cancelled->get_future().wait();
         },
-        [loop] { loop->m_cancelled.set_value(); });
+        [cancelled] { cancelled->set_value(); });
     controller.Start();
     controller.Stop();
-    loop->m_left.get_future().wait();
+    sem_wait(&AtThreadEnd::s_ended);
 }
 
 void Lower() {
