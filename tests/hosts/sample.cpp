@@ -94,7 +94,7 @@ void Control() {
     quor::ThreadController controller(
         "rescan",
         [cancelled] {
-            static thread_local const AtThreadEnd t_end;
+            static thread_local const AtThreadEnd end;
             QUOR_TRACE(quor::High, "rescan waits");
             cancelled->get_future().wait();
         },
