@@ -32,6 +32,8 @@ expect $'100;void Outer() 100\n100;void Outer();void Inner() 1699999900\nexit 0'
     --folded --thread 100 --from 23:59:59 --to 00:00:00.7 tricky.trace
 expect $'100;void Inner() 2500000000\n100;void CutByItsOuter() 100000000\nexit 0' \
     --folded --function 'Cut|Inner' tricky.trace
+printf '[00001: 00:00:00.000000001]    1: ==> %0100000d\n' 0 >"$folder/long.trace"
+expect "exit 0" --folded --function '0.*' "$folder/long.trace" # the search would need a stack of its length
 expect "exit 0" --folded --from "2026-02-02 00:00:00" tricky.trace
 expect "exit 1" --from 25:00:00 tricky.trace
 told "quor-timeline: 25:00:00: neither HH:MM:SS nor YYYY-MM-DD HH:MM:SS"

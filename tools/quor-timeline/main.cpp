@@ -84,12 +84,16 @@ private:
                std::count(m_threads.begin(), m_threads.end(), line.m_thread) > 0;
     }
     bool IsOfWantedFunction(std::string_view text) {
-        const auto [answer, isNew] = m_answers.try_emplace(std::string(text), false);
+        const auto [answer, isNew] =
+            m_answers.try_emplace(std::string(text.substr(0, c_searchedText)), false);
         if (isNew) {
             answer->second = std::regex_search(answer->first, m_function);
         }
         return answer->second;
     }
+
+    // The C++ library's search takes stack for each character: 30,000 of them were too many.
+    static constexpr std::size_t c_searchedText = 4000;
 
     const std::vector<std::int64_t> m_threads;
     const bool m_all;
