@@ -39,7 +39,9 @@ void Unfinished::Take(std::int64_t thread, std::int64_t time, std::string_view t
         TakeWait(thread, time, "a Synchronizer");
     } else if (StartsWith(text, "WaitOnState") && GoesOn(text)) {
         TakeWait(thread, time, "a ThreadController");
-    } else if (!StartsWith(text, "waiting finished:")) {  // which stands between two waits
+    } else if (StartsWith(text, "waiting finished:")) {
+        Pause(thread);
+    } else {
         GoOn(thread);
     }
     std::string_view subject = text;
@@ -59,7 +61,10 @@ void Unfinished::EndRun() {
         AddFinding(since, "worker " + worker + " was asked to stop, and not destroyed");
     }
     for (const auto& [thread, wait] : m_waiting) {
-        AddFinding(wait.m_since, "thread " + std::to_string(thread) + " waits for " + wait.m_what);
+        if (!wait.m_isPaused) {
+            AddFinding(wait.m_since,
+                       "thread " + std::to_string(thread) + " waits for " + wait.m_what);
+        }
     }
     m_stopping.clear();
     m_waiting.clear();
@@ -74,7 +79,15 @@ void Unfinished::TakeWorker(std::int64_t time, std::string_view text) {
 }
 
 void Unfinished::TakeWait(std::int64_t thread, std::int64_t time, const std::string& what) {
-    m_waiting.try_emplace(thread, Wait{time, what});
+    m_waiting.try_emplace(thread, Wait{time, what, false}).first->second.m_isPaused = false;
+}
+
+// One that waits again says so at once; one that does not has come to its end.
+void Unfinished::Pause(std::int64_t thread) {
+    const auto wait = m_waiting.find(thread);
+    if (wait != m_waiting.end()) {
+        wait->second.m_isPaused = true;
+    }
 }
 
 void Unfinished::AddFinding(std::int64_t time, const std::string& text) {

@@ -27,10 +27,12 @@ private:
     struct Wait {
         std::int64_t m_since;
         std::string m_what;
+        bool m_isPaused;  // an iteration has ended: what it waits for may have come
     };
 
     void TakeWorker(std::int64_t time, std::string_view text);
     void TakeWait(std::int64_t thread, std::int64_t time, const std::string& what);
+    void Pause(std::int64_t thread);
     void AddFinding(std::int64_t time, const std::string& text);
 
     std::map<std::string, std::int64_t> m_stopping;  // workers, since when
