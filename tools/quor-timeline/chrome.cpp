@@ -33,6 +33,10 @@ public:
         Begin("i", thread, time);
         m_output << ",\"s\":\"t\",\"name\":" << Quoted("thrown in " + std::string(place)) << "}";
     }
+    void EndRun() override {
+        m_process = 0;
+        m_heads.clear();
+    }
     void Finish() override {
         m_output << "\n],\"displayTimeUnit\":\"ns\",\"otherData\":{\"ts 0\":"
                  << Quoted(m_midnight < 0 ? "" : MomentText(m_midnight)) << "}}\n";
