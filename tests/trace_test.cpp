@@ -2,6 +2,7 @@
 
 #include <iomanip>
 #include <iostream>
+#include <limits>
 #include <locale>
 #include <map>
 
@@ -140,6 +141,54 @@ TEST(TraceMacro, BuildsEachMessageOnAStreamAsGoodAsNew) {
         }
     }
     std::locale::global(previous);
+}
+
+enum Plain { ePlain = 7 };
+enum Named { eNamed };
+std::ostream& operator<<(std::ostream& stream, Named) {
+    return stream << "named";
+}
+struct Limits {
+    static const int c_neverDefined = 5;
+};
+struct Converts {
+    operator const char*() const { return "converted"; }
+    operator int() const { return 1; }
+};
+std::ostream& operator<<(std::ostream& stream, const Converts&) {
+    return stream << "its own";
+}
+
+TEST(TraceMacro, PrintsEachPartAsAnOstreamDoes) {
+    TraceTap trace;
+    TraceFile::GetInstance().SetPrintLine(false);
+    std::ostringstream expected;
+    const auto print = [&expected](const auto& part) {
+        expected << "[#: #] " << part << "|" << std::endl;
+        QUOR_TRACE(Low, part << "|");
+    };
+    const auto printLimits = [&print](auto... zeros) {
+        (print(std::numeric_limits<decltype(zeros)>::min()), ...);
+        (print(std::numeric_limits<decltype(zeros)>::max()), ...);
+    };
+    printLimits(short{}, static_cast<unsigned short>(0), 0, 0U, 0L, 0UL, 0LL, 0ULL, 0.0);
+    char array[] = "array\0unseen";
+    print(array);
+    print(static_cast<char*>(array));
+    print(std::string("text"));
+    print(std::string_view("text", 2));
+    print(std::string_view());
+    print('c');
+    print(static_cast<signed char>('s'));
+    print(true);
+    print(ePlain);
+    print(eNamed);
+    print(Converts());
+    print(std::setw(4));
+    EXPECT_EQ(trace.News(), expected.str());
+    QUOR_TRACE(Low, Limits::c_neverDefined << std::setw(3) << 1 << std::hex << 255 << 'h');
+    QUOR_TRACE(Low, "seen" << static_cast<const char*>(nullptr) << "not seen" << 1);
+    EXPECT_EQ(trace.News(), "[#: #] 5  1ffh\n[#: #] seen\n");
 }
 
 TEST(TraceMacro, NeedsNoMemoryUpTo400CharactersAndKeepsLongerTextsWhole) {

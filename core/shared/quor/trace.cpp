@@ -1,10 +1,10 @@
 #include <quor/trace.h>
 
 #include <cerrno>
+#include <charconv>
 #include <istream>
 #include <limits>
 #include <locale>
-#include <new>
 
 namespace quor {
 namespace {
@@ -18,36 +18,15 @@ struct ClassicLocale {
     const std::num_put<char>& put = std::use_facet<std::num_put<char>>(locale);
     const std::num_get<char>& get = std::use_facet<std::num_get<char>>(locale);
 };
-
-class ClassicStream : public std::ostream {
-public:
-    // Does what init() does, which this constructor of the base class leaves to the derived one.
-    // The base does not look at its argument; the classic locale is never destroyed.
-    explicit ClassicStream(std::streambuf& buffer)
-        : std::ostream(reinterpret_cast<std::iostream&>(buffer)) {
-        static const ClassicLocale classic;
-        flags(skipws | dec);
-        precision(6);
-        _M_streambuf = &buffer;
-        if (_M_ios_locale == classic.locale) {
-            _M_ctype = &classic.characters;
-            _M_num_put = &classic.put;
-            _M_num_get = &classic.get;
-        } else {
-            imbue(classic.locale);
-        }
-    }
-};
-#else
-class ClassicStream : public std::ostream {
-public:
-    explicit ClassicStream(std::streambuf& buffer) : std::ostream(&buffer) {
-        imbue(std::locale::classic());
-    }
-};
 #endif
-// It is used and destroyed as the stream that the header shows.
-static_assert(sizeof(ClassicStream) == sizeof(std::ostream));
+
+constexpr std::size_t c_roomOfNumber = 20;  // "-9223372036854775808"
+
+template <class Number>
+std::string_view Digits(char (&room)[c_roomOfNumber], Number number) {
+    const char* const end = std::to_chars(room, room + c_roomOfNumber, number).ptr;
+    return {room, static_cast<std::size_t>(end - room)};
+}
 
 }  // namespace
 
@@ -73,28 +52,79 @@ void TraceFnc::Write(const char* arrow, const char* function, const char* file, 
     errno = savedErrno;
 }
 
-// Every message has a stream of its own, so that it may itself trace or throw, and leaves nothing
-// behind.
-TraceMessage::TraceMessage() : m_errno(errno) {
-    new (static_cast<void*>(&m_stream)) ClassicStream(m_buffer);
-    errno = m_errno;
+#ifdef __GLIBCXX__
+// Does what init() does, which this constructor of the base class leaves to the derived one. The
+// base does not look at its argument; the classic locale is never destroyed.
+TraceStream::TraceStream() : std::ostream(reinterpret_cast<std::iostream&>(m_buffer)) {
+    static const ClassicLocale classic;
+    flags(skipws | dec);
+    precision(6);
+    _M_streambuf = &m_buffer;
+    if (_M_ios_locale == classic.locale) {
+        _M_ctype = &classic.characters;
+        _M_num_put = &classic.put;
+        _M_num_get = &classic.get;
+    } else {
+        imbue(classic.locale);
+    }
+}
+#else
+TraceStream::TraceStream() : std::ostream(&m_buffer) {
+    imbue(std::locale::classic());
+}
+#endif
+
+TraceStream::~TraceStream() = default;
+
+// What memory is too short for is lost, with all behind it, as the std::ostream does it.
+void TraceStream::Put(std::string_view text) noexcept {
+    if (!good()) {
+        return;
+    }
+    try {
+        m_buffer.Put(text);
+    } catch (...) {
+        setstate(badbit);
+    }
 }
 
-TraceMessage::~TraceMessage() {
-    m_stream.~basic_ostream();
-    errno = m_errno;
+void TraceStream::PutNumber(long long number) noexcept {
+    char digits[c_roomOfNumber];
+    Put(Digits(digits, number));
 }
+
+void TraceStream::PutNumber(unsigned long long number) noexcept {
+    char digits[c_roomOfNumber];
+    Put(Digits(digits, number));
+}
+
+void TraceStream::Buffer::Put(std::string_view text) {
+    if (text.size() <= static_cast<std::size_t>(epptr() - pptr())) {
+        text.copy(pptr(), text.size());
+        pbump(static_cast<int>(text.size()));
+    } else {
+        sputn(text.data(), static_cast<std::streamsize>(text.size()));
+    }
+}
+
+// Every message has a stream of its own, so that it may itself trace or throw, and leaves nothing
+// behind.
+TraceMessage::TraceMessage() {
+    errno = m_errno.m_errno;
+}
+
+TraceMessage::~TraceMessage() = default;
 
 void TraceMessage::Write(TraceLevel_e level, const char* /*function*/, const char* file,
                          int line) const noexcept {
     try {
-        TraceFile::TraceLine(level, file, line, m_buffer.Text());
+        TraceFile::TraceLine(level, file, line, m_stream.Text());
     } catch (...) {
     }
 }
 
 // Doubles the room. What does not fit any more is lost.
-TraceMessage::Buffer::int_type TraceMessage::Buffer::overflow(int_type next) {
+TraceStream::Buffer::int_type TraceStream::Buffer::overflow(int_type next) {
     const std::string_view text(pbase(), static_cast<std::size_t>(pptr() - pbase()));
     if (text.size() > std::numeric_limits<int>::max() / 2) {
         return traits_type::eof();

@@ -4,10 +4,13 @@
 #include <quor/trace_file.h>
 #include <quor/trace_level.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 /// Sites above this level are left out at compile time; their messages are still type-checked.
 /// Define it before the first include, or for the whole program. The default keeps every site.
@@ -99,24 +102,52 @@ private:
     int m_line;
 };
 
-/// The message of one trace site while it is built; made by QUOR_TRACE. Allocates nothing up to 400
-/// characters. Keeps errno.
-class TraceMessage {
-public:
-    TraceMessage();
-    TraceMessage(const TraceMessage&) = delete;
-    TraceMessage& operator=(const TraceMessage&) = delete;
-    ~TraceMessage();
+/// What the message of a trace site is streamed into: an std::ostream in the classic locale, with a
+/// short way for texts and whole numbers, of which most messages are made. Every other part goes to
+/// the std::ostream, and so does all behind it, where a manipulator may reach: its operators do not
+/// lead back here. Allocates nothing up to 400 characters.
+class TraceStream : public std::ostream {
+    template <class Value, class... Types>
+    using IfOneOf = std::enable_if_t<(std::is_same_v<Value, Types> || ...), TraceStream&>;
 
-    /// Takes the message, in the classic locale.
-    std::ostream& Stream() { return m_stream; }
-    /// Writes the line, or loses it when memory is short.
-    void Write(TraceLevel_e level, const char* function, const char* file, int line) const noexcept;
+public:
+    TraceStream();
+    TraceStream(const TraceStream&) = delete;
+    TraceStream& operator=(const TraceStream&) = delete;
+    ~TraceStream() override;
+
+    /// A text or number as the std::ostream would print it. These take no other types, not even
+    /// what would convert: that may have an operator of its own.
+    template <class Value>
+    friend IfOneOf<Value, const char*, char*, char, short, unsigned short, int, unsigned int, long,
+                   unsigned long, long long, unsigned long long>
+    operator<<(TraceStream& stream, Value value) {
+        if constexpr (std::is_pointer_v<Value>) {
+            value != nullptr ? stream.Put(value) : stream.setstate(badbit);
+        } else if constexpr (std::is_same_v<Value, char>) {
+            stream.Put({&value, 1});
+        } else if constexpr (std::is_signed_v<Value>) {
+            stream.PutNumber(static_cast<long long>(value));
+        } else {
+            stream.PutNumber(static_cast<unsigned long long>(value));
+        }
+        return stream;
+    }
+    template <class Value>
+    friend IfOneOf<Value, std::string, std::string_view> operator<<(TraceStream& stream,
+                                                                    const Value& value) {
+        stream.Put(value);
+        return stream;
+    }
+
+    /// The message so far, with a NUL behind it.
+    const char* Text() const { return m_buffer.Text(); }
 
 private:
     class Buffer : public std::streambuf {
     public:
         Buffer() { setp(m_stack, m_stack + sizeof(m_stack) - 1); }
+        void Put(std::string_view text);
         const char* Text() const {
             *pptr() = '\0';
             return pbase();
@@ -130,11 +161,33 @@ private:
         std::string m_heap;  // holds a longer text
     };
 
-    int m_errno;
+    void Put(std::string_view text) noexcept;
+    void PutNumber(long long number) noexcept;
+    void PutNumber(unsigned long long number) noexcept;
+
     Buffer m_buffer;
-    union {
-        std::ostream m_stream;  // built by the constructor in a cheaper way than its own
+};
+
+/// The message of one trace site while it is built; made by QUOR_TRACE. Keeps errno.
+class TraceMessage {
+public:
+    TraceMessage();
+    TraceMessage(const TraceMessage&) = delete;
+    TraceMessage& operator=(const TraceMessage&) = delete;
+    ~TraceMessage();
+
+    TraceStream& Stream() { return m_stream; }
+    /// Writes the line, or loses it when memory is short.
+    void Write(TraceLevel_e level, const char* function, const char* file, int line) const noexcept;
+
+private:
+    struct ErrnoKeeper {
+        const int m_errno = errno;
+        ~ErrnoKeeper() { errno = m_errno; }
     };
+
+    const ErrnoKeeper m_errno;  // outlives the stream
+    TraceStream m_stream;
 };
 
 /// The base name of a source file without its extension, made by the compiler.
