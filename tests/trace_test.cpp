@@ -143,6 +143,12 @@ TEST(TraceMacro, BuildsEachMessageOnAStreamAsGoodAsNew) {
     std::locale::global(previous);
 }
 
+struct Hex {};
+template <class Stream>
+Stream& operator<<(Stream& stream, Hex) {
+    stream << std::hex << std::setw(3);
+    return stream;
+}
 enum Plain { ePlain = 7 };
 enum Named { eNamed };
 std::ostream& operator<<(std::ostream& stream, Named) {
@@ -188,7 +194,8 @@ TEST(TraceMacro, PrintsEachPartAsAnOstreamDoes) {
     EXPECT_EQ(trace.News(), expected.str());
     QUOR_TRACE(Low, Limits::c_neverDefined << std::setw(3) << 1 << std::hex << 255 << 'h');
     QUOR_TRACE(Low, "seen" << static_cast<const char*>(nullptr) << "not seen" << 1);
-    EXPECT_EQ(trace.News(), "[#: #] 5  1ffh\n[#: #] seen\n");
+    QUOR_TRACE(Low, Hex() << 255 << -1 << Hex() << "t");
+    EXPECT_EQ(trace.News(), "[#: #] 5  1ffh\n[#: #] seen\n[#: #]  ffffffffff  t\n");
 }
 
 TEST(TraceMacro, NeedsNoMemoryUpTo400CharactersAndKeepsLongerTextsWhole) {

@@ -3,14 +3,15 @@
 #include <cerrno>
 #include <charconv>
 #include <istream>
+#include <iterator>
 #include <limits>
 #include <locale>
 
 namespace quor {
 namespace {
 
-// A stream in the classic locale. The C++ library's own way to build one looks the parts of the
-// global locale up by dynamic_cast, which is dearer than the rest of a trace line.
+// What a stream needs of its locale. The C++ library's own way to build a stream looks these up by
+// dynamic_cast, in the global locale, which is dearer than the rest of a trace line.
 #ifdef __GLIBCXX__
 struct ClassicLocale {
     const std::locale& locale = std::locale::classic();
@@ -19,14 +20,6 @@ struct ClassicLocale {
     const std::num_get<char>& get = std::use_facet<std::num_get<char>>(locale);
 };
 #endif
-
-constexpr std::size_t c_roomOfNumber = 20;  // "-9223372036854775808"
-
-template <class Number>
-std::string_view Digits(char (&room)[c_roomOfNumber], Number number) {
-    const char* const end = std::to_chars(room, room + c_roomOfNumber, number).ptr;
-    return {room, static_cast<std::size_t>(end - room)};
-}
 
 }  // namespace
 
@@ -76,26 +69,39 @@ TraceStream::TraceStream() : std::ostream(&m_buffer) {
 
 TraceStream::~TraceStream() = default;
 
+bool TraceStream::IsPlain() const {
+    return flags() == (skipws | dec) && width() == 0;
+}
+
 // What memory is too short for is lost, with all behind it, as the std::ostream does it.
-void TraceStream::Put(std::string_view text) noexcept {
-    if (!good()) {
-        return;
-    }
-    try {
-        m_buffer.Put(text);
-    } catch (...) {
-        setstate(badbit);
+void TraceStream::Put(std::string_view text) {
+    if (!IsPlain()) {
+        static_cast<std::ostream&>(*this) << text;
+    } else if (good()) {
+        try {
+            m_buffer.Put(text);
+        } catch (...) {
+            setstate(badbit);
+        }
     }
 }
 
-void TraceStream::PutNumber(long long number) noexcept {
-    char digits[c_roomOfNumber];
-    Put(Digits(digits, number));
+bool TraceStream::PutNumber(long long number) {
+    char digits[20];  // "-9223372036854775808"
+    return PutDigits(digits, std::to_chars(digits, std::end(digits), number).ptr);
 }
 
-void TraceStream::PutNumber(unsigned long long number) noexcept {
-    char digits[c_roomOfNumber];
-    Put(Digits(digits, number));
+bool TraceStream::PutNumber(unsigned long long number) {
+    char digits[20];
+    return PutDigits(digits, std::to_chars(digits, std::end(digits), number).ptr);
+}
+
+bool TraceStream::PutDigits(const char* first, const char* last) {
+    if (!IsPlain()) {
+        return false;
+    }
+    Put({first, static_cast<std::size_t>(last - first)});
+    return true;
 }
 
 void TraceStream::Buffer::Put(std::string_view text) {

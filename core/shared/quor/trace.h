@@ -103,9 +103,9 @@ private:
 };
 
 /// What the message of a trace site is streamed into: an std::ostream in the classic locale, with a
-/// short way for texts and whole numbers, of which most messages are made. Every other part goes to
-/// the std::ostream, and so does all behind it, where a manipulator may reach: its operators do not
-/// lead back here. Allocates nothing up to 400 characters.
+/// short way for texts and whole numbers, of which most messages are made. Every other part, and
+/// what a manipulator has been at, goes the std::ostream's own way. Allocates nothing up to 400
+/// characters.
 class TraceStream : public std::ostream {
     template <class Value, class... Types>
     using IfOneOf = std::enable_if_t<(std::is_same_v<Value, Types> || ...), TraceStream&>;
@@ -126,10 +126,12 @@ public:
             value != nullptr ? stream.Put(value) : stream.setstate(badbit);
         } else if constexpr (std::is_same_v<Value, char>) {
             stream.Put({&value, 1});
-        } else if constexpr (std::is_signed_v<Value>) {
-            stream.PutNumber(static_cast<long long>(value));
         } else {
-            stream.PutNumber(static_cast<unsigned long long>(value));
+            using Widest =
+                std::conditional_t<std::is_signed_v<Value>, long long, unsigned long long>;
+            if (!stream.PutNumber(static_cast<Widest>(value))) {
+                static_cast<std::ostream&>(stream) << value;
+            }
         }
         return stream;
     }
@@ -161,9 +163,13 @@ private:
         std::string m_heap;  // holds a longer text
     };
 
-    void Put(std::string_view text) noexcept;
-    void PutNumber(long long number) noexcept;
-    void PutNumber(unsigned long long number) noexcept;
+    // No manipulator has been at it; nor an operator that is a template for any stream.
+    bool IsPlain() const;
+    void Put(std::string_view text);
+    // False when the number must go the other way.
+    bool PutNumber(long long number);
+    bool PutNumber(unsigned long long number);
+    bool PutDigits(const char* first, const char* last);
 
     Buffer m_buffer;
 };
