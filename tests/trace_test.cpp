@@ -211,6 +211,33 @@ TEST(TraceMacro, NeedsNoMemoryUpTo400CharactersAndKeepsLongerTextsWhole) {
               "[#: #] " + text + "1\n[#: #] " + text + "23" + text + text + text + "\n");
 }
 
+// Takes its last comma back, then the first bracket, then pads, as is done on string streams.
+struct Listed {};
+
+std::ostream& operator<<(std::ostream& stream, Listed /*list*/) {
+    const std::ostream::pos_type start = stream.tellp();
+    stream << "(1, 2, 3, ";
+    stream.seekp(-2, std::ios_base::cur) << ']';
+    stream.seekp(start) << '[';
+    stream.seekp(0, std::ios_base::end);
+    for (int blanks = 0; stream.tellp() - start < 16 && blanks < 16; ++blanks) {
+        stream << '.';
+    }
+    return stream << stream.tellp() << stream.rdbuf()->pubseekoff(1, std::ios_base::end);
+}
+
+TEST(TraceMacro, KnowsPositionsAsAStringStreamDoes) {
+    TraceTap trace;
+    TraceFile::GetInstance().SetPrintLine(false);
+    for (const std::size_t length : {0U, 386U, 392U, 399U, 400U, 2000U}) {
+        const std::string before(length, 'x');
+        std::ostringstream expected;
+        expected << before << Listed() << before;
+        QUOR_TRACE(Low, before << Listed() << before);
+        EXPECT_EQ(trace.News(), "[#: #] " + expected.str() + "\n") << length;
+    }
+}
+
 TEST(TraceMacro, KeepsErrnoAndLetsOutOnlyWhatTheMessageThrows) {
     TraceTap trace(High);
     const Redirected errors(STDERR_FILENO, "errors");

@@ -140,11 +140,34 @@ TraceStream::Buffer::int_type TraceStream::Buffer::overflow(int_type next) {
     larger = text;
     larger.resize(2 * text.size());
     m_heap.swap(larger);
+    setg(nullptr, nullptr, nullptr);
     setp(m_heap.data(), m_heap.data() + m_heap.size());
     pbump(static_cast<int>(text.size()));
     return traits_type::eq_int_type(next, traits_type::eof())
                ? traits_type::not_eof(next)
                : sputc(traits_type::to_char_type(next));
+}
+
+TraceStream::Buffer::pos_type TraceStream::Buffer::seekoff(off_type offset,
+                                                           std::ios_base::seekdir from,
+                                                           std::ios_base::openmode which) {
+    char* const end = End();
+    const off_type size = end - pbase();
+    const off_type start = from == std::ios_base::beg   ? 0
+                           : from == std::ios_base::cur ? pptr() - pbase()
+                                                        : size;
+    if ((which & std::ios_base::out) == 0 || offset < -start || offset > size - start) {
+        return {off_type(-1)};
+    }
+    setg(end, end, end);
+    setp(pbase(), epptr());
+    pbump(static_cast<int>(start + offset));
+    return {start + offset};
+}
+
+TraceStream::Buffer::pos_type TraceStream::Buffer::seekpos(pos_type position,
+                                                           std::ios_base::openmode which) {
+    return seekoff(position, std::ios_base::beg, which);
 }
 
 }  // namespace quor

@@ -104,8 +104,8 @@ private:
 
 /// What the message of a trace site is streamed into: an std::ostream in the classic locale, with a
 /// short way for texts and whole numbers, of which most messages are made. Every other part, and
-/// what a manipulator has been at, goes the std::ostream's own way. Allocates nothing up to 400
-/// characters.
+/// what a manipulator has been at, goes the std::ostream's own way. Knows positions as a string
+/// stream does. Allocates nothing up to 400 characters.
 class TraceStream : public std::ostream {
     template <class Value, class... Types>
     using IfOneOf = std::enable_if_t<(std::is_same_v<Value, Types> || ...), TraceStream&>;
@@ -151,14 +151,23 @@ private:
         Buffer() { setp(m_stack, m_stack + sizeof(m_stack) - 1); }
         void Put(std::string_view text);
         const char* Text() const {
-            *pptr() = '\0';
+            *End() = '\0';
             return pbase();
         }
 
     protected:
         int_type overflow(int_type next) override;
+        // For what is padded by tellp(), or goes back over a comma by seekp(): as in a string
+        // stream, what was put behind the new position stays.
+        __attribute__((visibility("hidden"))) pos_type seekoff(
+            off_type offset, std::ios_base::seekdir from, std::ios_base::openmode which) override;
+        __attribute__((visibility("hidden"))) pos_type seekpos(
+            pos_type position, std::ios_base::openmode which) override;
 
     private:
+        // The area for reading is empty, and stands at the text's end once somebody went back.
+        char* End() const { return egptr() > pptr() ? egptr() : pptr(); }
+
         char m_stack[401];
         std::string m_heap;  // holds a longer text
     };
