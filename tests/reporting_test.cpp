@@ -5,6 +5,9 @@
 
 #include <signal.h>
 
+#include <iostream>
+#include <sstream>
+
 namespace quor_test {
 
 void Report(int thread, int pass) {
@@ -71,6 +74,34 @@ TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitched) {
         log += "[#] Info    : pass\n";
     }
     EXPECT_NE(Masked(ReadFile("app.log")).find(log), std::string::npos);
+}
+
+// Standard error as a daemon keeps it that wants all in its log.
+struct ToLog : std::stringbuf {
+    ToLog() { std::cerr.rdbuf(this); }
+    ~ToLog() override { std::cerr.rdbuf(previous); }
+    int sync() override {
+        Log::GetInstance().Error(str());
+        return 0;
+    }
+    std::streambuf* const previous = std::cerr.rdbuf();
+};
+
+TEST(Reporting, SaysThatTheDiskIsFullAlsoWhereStandardErrorGoesIntoTheLog) {
+    const TraceTap trace;
+    EXPECT_TRUE(Log::Init("app.log"));
+    for (const bool logged : {false, true}) {
+        const ToLog errors;
+        TraceFile::GetInstance().Stop();
+        TraceFile::GetInstance().Start(Low);
+        const ScopedValue full(g_hooks.diskFull, true);
+        if (logged) {
+            Log::GetInstance().Info("lost");
+        } else {
+            QUOR_TRACE(Low, "lost");
+        }
+        EXPECT_EQ(errors.str(), "Unable to write to log file: trace.log\n") << logged;
+    }
 }
 
 TEST(ReportingProcess, LeavesWholeLinesWhenKilled) {

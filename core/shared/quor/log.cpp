@@ -83,6 +83,7 @@ void Log::Error(int errorCode) {
 }
 
 void Log::WriteMessage(const std::string& levelName, const std::string& text) {
+    const TraceFile::ReportsLater reportsLater;
     const std::lock_guard<std::mutex> lock(m_mutex);
     LineRoom room(c_levelNameWidth + levelName.size() + sizeof(": ") + text.size());
     char* end = Put(room.Begin(), levelName);

@@ -184,14 +184,23 @@ bool LogFile::Open() {
 }
 
 void LogFile::Close() {
+    if (!CloseSilently()) {
+        ReportLostTrailer(m_fileName);
+    }
+}
+
+bool LogFile::CloseSilently() {
     if (m_fd == c_closed) {
-        return;
+        return true;
     }
     const CancellationOff cancellationOff;
     const DescriptorCloser closer(m_fd);
-    if (!WriteBlock(m_fd, FileTrailer())) {
-        std::cerr << "Unable to write to log file: " << m_fileName << std::endl;
-    }
+    return WriteBlock(m_fd, FileTrailer());
+}
+
+void LogFile::ReportLostTrailer(const std::string& fileName) {
+    const CancellationOff cancellationOff;
+    std::cerr << "Unable to write to log file: " << fileName << std::endl;
 }
 
 void LogFile::Write(const char* text, unsigned int /*length*/) {

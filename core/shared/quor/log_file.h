@@ -77,6 +77,11 @@ protected:
     /// Writes the trailer and closes the descriptor, standard output's too. When the trailer cannot
     /// be written, says so on std::cerr. Does nothing on a closed object.
     void Close();
+    /// Close() without the word on std::cerr; false when there is one to say. Only for the library.
+    __attribute__((visibility("hidden"))) bool CloseSilently();
+    /// Says on std::cerr that the trailer of `fileName` could not be written. Only for the library.
+    __attribute__((visibility("hidden"))) static void ReportLostTrailer(
+        const std::string& fileName);
 
     /// Writes one line: header, `text` up to its NUL, trailer, line feed. `length` is not looked
     /// at. Does nothing on a closed object.

@@ -117,6 +117,13 @@ char* PutHeader(char* end) {
     return end + start.length + c_stampLength;
 }
 
+// What this thread has to say on std::cerr once the last of its guards is gone.
+struct Reports {
+    unsigned guards;
+    bool due;
+};
+__attribute__((tls_model("initial-exec"))) thread_local Reports t_reports{};
+
 }  // namespace
 
 std::atomic<int> TraceFile::m_gate{TraceFile::c_gateClosed};
@@ -129,6 +136,26 @@ struct TraceFile::AtExit {
     ~AtExit() { m_traceFile.End(); }
 
     TraceFile& m_traceFile;
+};
+
+// Each of a thread's guards is within the one before it.
+TraceFile::ReportsLater::ReportsLater() {
+    ++t_reports.guards;
+}
+
+TraceFile::ReportsLater::~ReportsLater() {
+    if (--t_reports.guards == 0 && t_reports.due) {
+        t_reports.due = false;
+        GetInstance().ReportFailure();
+    }
+}
+
+// Holds m_mutex, and reports when it is free again.
+struct TraceFile::Access {
+    explicit Access(TraceFile& trace) : m_lock(trace.m_mutex) {}
+
+    ReportsLater m_reportsLater;
+    std::lock_guard<std::mutex> m_lock;
 };
 
 TraceFile::TraceFile()
@@ -164,7 +191,7 @@ void TraceFile::Init(const std::string& fileName, const std::string& directory) 
 }
 
 void TraceFile::Start(TraceLevel_e level) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     StartLocked(level);
 }
 
@@ -194,41 +221,60 @@ bool TraceFile::OpenChosenFile() {
 }
 
 void TraceFile::Stop() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     StopLocked();
 }
 
 void TraceFile::StopLocked() {
     SetState(m_level, false);
-    Close();
+    CloseLocked();
+}
+
+void TraceFile::CloseLocked() {
+    t_reports.due |= !CloseSilently();
+}
+
+__attribute__((noinline)) void TraceFile::ReportFailure() noexcept {
+    try {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const std::string fileName = FileName();
+        lock.unlock();
+        ReportLostTrailer(fileName);
+    } catch (...) {
+        // A want of memory, or the host's stream, must not do more harm than the full disk.
+    }
+}
+
+void TraceFile::Error(int /*errorCode*/) {
+    CloseLocked();
 }
 
 // The gate stays as it is in between: a closed one would cost lines.
 void TraceFile::Reopen() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     const bool paused = IsOpen() && !m_active;
     if (m_ended || IsOnStandardOutput() || !(m_active || paused)) {
         return;
     }
-    Close();
+    CloseLocked();
     const bool opened = OpenChosenFile();
     SetState(m_level, opened && !paused);
 }
 
 void TraceFile::End() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     m_ended = true;
     StopLocked();
 }
 
 void TraceFile::Pause() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     WriteEntry("*** Tracing paused. ***");
     SetState(m_level, false);
 }
 
 void TraceFile::Continue() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     if (m_ended) {
         return;
     }
@@ -238,7 +284,7 @@ void TraceFile::Continue() {
 
 bool TraceFile::SetLevel(const TraceLevel_e& level) {
     const TraceLevel_e wanted = level;
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     if (wanted == m_level) {
         return true;
     }
@@ -330,7 +376,7 @@ void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const 
     }
     end = Put(Put(end, message), "\n");
 
-    const std::lock_guard<std::mutex> lock(trace.m_mutex);
+    const Access access(trace);
     if (level > trace.m_level || !trace.IsOpen()) {
         return;
     }
@@ -349,7 +395,7 @@ __attribute__((noinline)) void TraceFile::DumpStack() {
     for (const std::string& frame : GetExecutionStack(c_stackDepth)) {
         entry += std::to_string(index++) + ". " + frame + "\n";
     }
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Access access(*this);
     if (m_active) {
         WriteEntry(entry);
     }

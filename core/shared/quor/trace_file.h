@@ -105,7 +105,19 @@ private:
     friend void TraceWrite(TraceLevel_e level, const char* function, const char* file, int line,
                            const std::string& text);
     friend class TraceMessage;
+    friend class Log;
     struct AtExit;
+    struct __attribute__((visibility("hidden"))) Access;
+
+    // Built before a mutex is locked under which the trace may be closed. That a trailer was lost
+    // is said when the last one goes: the host may have pointed std::cerr at the log or the trace.
+    class __attribute__((visibility("hidden"))) ReportsLater {
+    public:
+        ReportsLater();
+        ReportsLater(const ReportsLater&) = delete;
+        ReportsLater& operator=(const ReportsLater&) = delete;
+        ~ReportsLater();
+    };
 
     TraceFile();
     __attribute__((visibility("hidden"))) static TraceFile& MakeInstance();
@@ -114,6 +126,7 @@ private:
     std::string AppendBanner() const override;
     std::string FileTrailer() const override;
     std::string LineHeader() const override;
+    __attribute__((visibility("hidden"))) void Error(int errorCode) override;
 
     // Trace() of a C string in the one instance. Keeps errno. All but the stamp is put together
     // before m_mutex is taken.
@@ -121,10 +134,12 @@ private:
                                                                 const char* file, int line,
                                                                 const char* text);
 
-    // All but End() are called with m_mutex held.
+    // All but End() and ReportFailure() are called with m_mutex held.
     __attribute__((visibility("hidden"))) void PutStamp(char* end) const;
     void StartLocked(TraceLevel_e level);
     void StopLocked();
+    __attribute__((visibility("hidden"))) void CloseLocked();
+    __attribute__((visibility("hidden"))) void ReportFailure() noexcept;
     void End();
     bool IsOnStandardOutput() const;
     bool OpenChosenFile();
