@@ -135,6 +135,7 @@ public:
         }
         return stream;
     }
+    /// The same for texts with a length, which may hold NULs.
     template <class Value>
     friend IfOneOf<Value, std::string, std::string_view> operator<<(TraceStream& stream,
                                                                     const Value& value) {
@@ -191,6 +192,7 @@ public:
     TraceMessage& operator=(const TraceMessage&) = delete;
     ~TraceMessage();
 
+    /// Takes the message.
     TraceStream& Stream() { return m_stream; }
     /// Writes the line, or loses it when memory is short.
     void Write(TraceLevel_e level, const char* function, const char* file, int line) const noexcept;
