@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <pthread.h>
 

@@ -5,6 +5,7 @@
 #include <quor/process.h>
 #include <quor/stop_watch.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <unistd.h>
 

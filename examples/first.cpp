@@ -1,5 +1,6 @@
 #include <quor/exception.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 void Drain(int files) {
     QUOR_TRACE(quor::Low, "files waiting: " << files);

@@ -4,6 +4,7 @@
 #include <quor/log.h>
 #include <quor/process.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/ver_info.h>
 
 #include <fcntl.h>

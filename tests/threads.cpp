@@ -1,6 +1,7 @@
 #include "threads.h"
 
 #include <quor/process.h>
+#include <quor/trace_file.h>
 
 #include <dlfcn.h>
 #include <pthread.h>

@@ -101,7 +101,7 @@ TEST(Time, PrintsEachFormUpTo29Characters) {
     }
 }
 
-TEST(Time, PrintsItsPresentValueInThePresentZone) {
+TEST(Time, BuildsItsTextOncePerChangeOfValueWhateverTheZone) {
     const ScopedZone zone("UTC0");
     Time time(5u);
     const Time& self = time;
@@ -114,10 +114,8 @@ TEST(Time, PrintsItsPresentValueInThePresentZone) {
         texts += Text(time).substr(7, 2);
     }
     EXPECT_EQ(texts, "5.6.4.2.2.9.");
-    for (const char* offset : {"0", "-4:16", "0", "0:00:30", "-1"}) {
-        ScopedZone::Set(std::string("ABC") + offset);
-        EXPECT_EQ(Text(time), Text(Time(time))) << offset;
-    }
+    ScopedZone::Set("ABC-1");
+    EXPECT_EQ(Text(time) + Text(Time(time)), "00:00:09.00000000001:00:09.000000000");
 }
 
 TEST(Time, ReadsTheClockWhenBuiltFromASignedForm) {

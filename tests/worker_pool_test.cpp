@@ -1,4 +1,5 @@
 #include <quor/exception.h>
+#include <quor/trace_file.h>
 
 #include "threads.h"
 

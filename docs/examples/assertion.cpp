@@ -1,5 +1,6 @@
 #include <quor/assert.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 void Drain(int files) {
     QUOR_ASSERT(files >= 0);

@@ -1,4 +1,5 @@
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

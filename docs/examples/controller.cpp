@@ -1,5 +1,6 @@
 #include <quor/thread_controller.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <condition_variable>
 #include <memory>

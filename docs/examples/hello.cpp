@@ -1,5 +1,6 @@
 #include <quor/log.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/ver_info.h>
 
 int main() {

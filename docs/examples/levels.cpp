@@ -1,4 +1,5 @@
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 void Examine(int file) {
     QUOR_TRACE_FNC();  // High

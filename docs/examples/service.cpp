@@ -3,6 +3,7 @@
 #include <quor/log.h>
 #include <quor/signal_handler.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/ver_info.h>
 #include <quor/worker_pool.h>
 #include <quor/worker_thread.h>

@@ -1,5 +1,6 @@
 #include <quor/synchronizer.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <string>
 #include <thread>

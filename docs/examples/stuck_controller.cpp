@@ -1,6 +1,7 @@
 // Ends by KILL after "cancel 3" in stuck_controller.trace.
 #include <quor/thread_controller.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <future>
 #include <memory>

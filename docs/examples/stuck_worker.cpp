@@ -1,5 +1,6 @@
 // Ends by KILL after "upload: REQUEST TO STOP" in stuck_worker.trace.
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/worker_pool.h>
 #include <quor/worker_thread.h>
 #include <unistd.h>

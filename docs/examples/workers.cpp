@@ -1,4 +1,5 @@
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/worker_pool.h>
 #include <quor/worker_thread.h>
 

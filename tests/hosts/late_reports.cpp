@@ -2,6 +2,7 @@
 // and some after it, and from detached threads, while main returns.
 #include <quor/exception.h>
 #include <quor/log.h>
+#include <quor/trace_file.h>
 
 #include <atomic>
 #include <thread>

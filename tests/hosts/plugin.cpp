@@ -3,6 +3,7 @@
 
 #include <quor/log.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/ver_info.h>
 
 Seen Look() {

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <quor/log.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/ver_info.h>
 
 #include <cstring>

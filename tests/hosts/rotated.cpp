@@ -3,6 +3,7 @@
 #include <quor/log.h>
 #include <quor/signal_handler.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <atomic>
 #include <csignal>

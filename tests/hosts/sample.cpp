@@ -6,6 +6,7 @@
 #include <quor/synchronizer.h>
 #include <quor/thread_controller.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 #include <quor/ver_info.h>
 #include <quor/worker_pool.h>
 #include <quor/worker_thread.h>

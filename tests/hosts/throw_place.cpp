@@ -1,6 +1,9 @@
 // Throws from functions that the optimiser would like to move, and traces to standard output.
 #include <quor/exception.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
+
+#include <sstream>
 
 __attribute__((noinline)) void FromText(int number) {
     if (number > 0) throw quor::Exception("text", true);

@@ -1,6 +1,7 @@
 #include <quor/any.h>
 #include <quor/log.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <iostream>
 

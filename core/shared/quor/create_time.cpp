@@ -23,10 +23,9 @@ Time CreateTime(const std::string& text) {
             "                2106-02-07 for (64bit OS)",
             true);
     }
-    Time time(static_cast<unsigned long>(seconds), 0);
-    time.m_format = Time::eDate | Time::eTimeOfDay;
-    time.m_textStale = true;
-    return time;
+    // The left operand determines the form.
+    const Time now(Time::eDate | Time::eTimeOfDay);
+    return (now - now) + Time(static_cast<unsigned long>(seconds), 0);
 }
 
 }  // namespace quor

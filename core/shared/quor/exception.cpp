@@ -1,11 +1,16 @@
 #include <quor/exception.h>
 
-#include <quor/process.h>
+#include <quor/detail/errno_keeper.h>
+#include <quor/internal/frame_text.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cstring>
+#include <functional>
 #include <ostream>
+#include <sstream>
+#include <system_error>
 
 // A stack dump shows each of the frames below: none is inlined, or left by a jump, which the empty
 // statement behind each call prevents.
@@ -30,7 +35,7 @@ __attribute__((noinline)) void LogException(const char* text, bool log, void* pl
     if (!log || !TraceGateOpen(Off)) {
         return;
     }
-    const int savedErrno = errno;
+    const detail::ErrnoKeeper keeper;
     try {
         bool dumpStack = false;
         TraceFile::GetInstance().GetDumpStack(dumpStack);
@@ -38,14 +43,13 @@ __attribute__((noinline)) void LogException(const char* text, bool log, void* pl
             WriteRecord("** Thrown quor::Exception: ", text, __LINE__);
             TraceFile::GetInstance().DumpStack();
         } else {
-            const std::string placeText = FrameText(place);
+            const std::string placeText = internal::FrameText(place);
             WriteRecord("** Thrown quor::Exception: ", text, __LINE__);
             WriteRecord("** in: ", placeText, __LINE__);
         }
     } catch (...) {
         // Building an exception must not fail because of its report.
     }
-    errno = savedErrno;
 }
 
 // When memory is short, what fits into the string itself.

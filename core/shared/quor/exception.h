@@ -1,46 +1,48 @@
 #ifndef QUOR_EXCEPTION_H
 #define QUOR_EXCEPTION_H
 
-#include <algorithm>
+#include <cstdint>
 #include <exception>
-#include <functional>
 #include <iosfwd>
 #include <mutex>
-#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
 
 namespace quor {
 
-/// The exception of the library and its hosts: a text that, when `log` is true, reports itself to
-/// the running trace at level Low as it is built, so that it leaves a mark even when swallowed:
+/// Carries a text and, if `log` is true, reports itself to the running trace at level Low as it is
+/// built, so that it leaves a mark even if it is swallowed.
 ///
-///     ** Thrown quor::Exception: the text
-///     ** in: program(Drain(Spool&)) [0x4021d0]
+///     throw quor::Exception("the spool is empty", true);
 ///
-/// The place is the function that built the exception; with the trace's stack dump on, the whole
-/// stack is written instead. The library sets `log` for everything it throws. The place has a name
-/// when the program is linked with -rdynamic (CMake: ENABLE_EXPORTS), its function does not stand
-/// in an unnamed namespace, and GCC, when it optimises, is kept from moving throws away
-/// (-fno-reorder-blocks-and-partition).
+///     [06654: 23:44:35.946354852]   47: ** Thrown quor::Exception: the spool is empty
+///     [06654: 23:44:35.946362537]   48: ** in: ./first(Drain(int)) [0x5624fe7b830b]
 ///
-/// Building one never fails: when memory is short the text is cut, and the report left out. Any
-/// thread; takes the trace file's mutex for the report only. Keeps errno.
+/// The place is the function that built the exception. With the trace's stack dump on, the whole
+/// stack is written instead. The library sets `log` for everything it throws.
+///
+/// The place has a name if
+///   - the program is linked with -rdynamic (CMake: ENABLE_EXPORTS),
+///   - its function has external linkage: it is neither `static` nor in an unnamed namespace, and
+///   - GCC, if it optimises, is kept from moving throws away (-fno-reorder-blocks-and-partition).
+///
+/// Building one never fails: if memory is short the text is cut and the report left out. Any
+/// thread; takes only the trace's mutex, for the report. Keeps errno.
 class Exception : public std::exception {
 public:
-    /// Copies the text, which must not be null.
+    /// Copy the text, which must not be null.
     /// @{
     Exception(const std::string& text, bool log) noexcept;
     Exception(const char* text, bool log) noexcept;
     /// @}
-    /// Takes the stream's contents; the stream is not changed.
+    /// Copies the stream's contents; does not change the stream.
     Exception(std::ostringstream& text, bool log) noexcept;
     Exception(const Exception&) = default;
     Exception& operator=(const Exception&) = default;
     ~Exception() override;
 
-    /// The text; valid as long as the exception.
+    /// Returns the text, which is valid as long as the exception.
     const char* what() const noexcept override;
 
 private:
@@ -50,12 +52,14 @@ private:
 /// Prints the exception's text.
 std::ostream& operator<<(std::ostream& stream, const Exception& exception);
 
-/// Holds a list of mutexes and releases them, first to last, at the end of its scope.
+/// Holds several mutexes in its scope, and releases them first to last.
 ///
-/// Two Locks over the same mutexes in different orders do not block each other: each locks in the
-/// order of addresses. Nothing stays locked when the constructor throws: std::system_error, also
-/// for a mutex that is named twice, or std::bad_alloc. The mutexes must outlive the Lock, which is
-/// destroyed on the thread that built it.
+///     const quor::Lock both(from.mutex, to.mutex);  // whatever order another Lock names them in
+///
+/// Each Lock locks in the order of addresses, so two over the same mutexes do not block each other.
+/// If the constructor throws, nothing stays locked: std::system_error, also for a mutex that is
+/// named twice, or std::bad_alloc. The mutexes must outlive the Lock, which is destroyed on the
+/// thread that built it.
 class Lock {
 public:
     /// Locks one mutex or more.
@@ -63,21 +67,37 @@ public:
     explicit Lock(std::mutex& first, Mutexes&... others)
         : Lock(std::vector<std::mutex*>{&first, &others...}) {}
 
-    /// Locks those of a list; no entry may be null.
+    /// Locks the mutexes of a list; no entry may be null.
     explicit Lock(const std::vector<std::mutex*>& mutexes) : m_mutexes(mutexes) {
-        std::vector<std::mutex*> ordered(mutexes);
-        std::sort(ordered.begin(), ordered.end(), std::less<std::mutex*>());
-        if (std::adjacent_find(ordered.begin(), ordered.end()) != ordered.end()) {
-            throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
-        }
-        LockAll(ordered);
+        LockAll(Ordered(mutexes));
     }
 
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
+    /// Unlocks in the order given.
     virtual ~Lock();
 
 private:
+    static std::vector<std::mutex*> Ordered(const std::vector<std::mutex*>& mutexes) {
+        std::vector<std::mutex*> ordered;
+        for (std::mutex* const mutex : mutexes) {
+            auto place = ordered.begin();
+            while (place != ordered.end() && AddressOf(*place) < AddressOf(mutex)) {
+                ++place;
+            }
+            if (place != ordered.end() && *place == mutex) {
+                throw std::system_error(
+                    std::make_error_code(std::errc::resource_deadlock_would_occur));
+            }
+            ordered.insert(place, mutex);
+        }
+        return ordered;
+    }
+
+    static std::uintptr_t AddressOf(const std::mutex* mutex) {
+        return reinterpret_cast<std::uintptr_t>(mutex);
+    }
+
     static void LockAll(const std::vector<std::mutex*>& ordered) {
         auto next = ordered.begin();
         try {

@@ -1,43 +1,86 @@
 #include <quor/log.h>
 
-#include <quor/process.h>
-#include <quor/ver_info.h>
+#include <quor/internal/cancellation_off.h>
+#include <quor/internal/late_reports.h>
+#include <quor/internal/line_buffer.h>
+#include <quor/internal/log_file_internals.h>
+#include <quor/internal/opening_block.h>
+#include <quor/internal/time_text.h>
+#include <quor/internal/trace_file_internals.h>
 
-#include <algorithm>
 #include <iostream>
 
 namespace quor {
+
+using internal::LogFileInternals;
+using internal::Put;
+using internal::PutBefore;
+using internal::RoomyText;
+
 namespace {
 
-constexpr int c_formatFull = Time::eDate | Time::eTimeOfDay | Time::eNanoSec;
-constexpr int c_formatLine = Time::eDate | Time::eTimeOfDay;
 constexpr std::size_t c_levelNameWidth = 8;
-constexpr std::size_t c_headerRoom = 32;  // a stamp has at most 29 characters
+// In front of a message goes the head of a line of the log, and then of one of the trace.
+constexpr std::size_t c_gap = 96;
 
-}  // namespace
+internal::ShownZone g_zone;  // of the latest stamp; guarded by the log's mutex
 
-std::atomic<bool> Log::m_enabled{false};
-
-struct Log::AtExit {
+struct AtExit {
     AtExit() = default;
     AtExit(const AtExit&) = delete;
     AtExit& operator=(const AtExit&) = delete;
-    ~AtExit() { m_enabled = false; }
+    ~AtExit() { Log::m_enabled = false; }
 };
 
-// Closes the file behind every message, also when memory ran out in its middle.
-struct Log::FileCloser {
-    explicit FileCloser(Log& log) : m_log(log) {}
-    FileCloser(const FileCloser&) = delete;
-    FileCloser& operator=(const FileCloser&) = delete;
-    ~FileCloser() { m_log.Close(); }
+}  // namespace
 
-    Log& m_log;
+namespace internal {
+
+struct LogInternals {
+    // Closes the file behind every message, also if memory runs out in between.
+    struct FileCloser {
+        explicit FileCloser(Log& log) : m_log(log) {}
+        FileCloser(const FileCloser&) = delete;
+        FileCloser& operator=(const FileCloser&) = delete;
+        ~FileCloser() { m_log.Close(); }
+
+        Log& m_log;
+    };
+
+    static Log& MakeInstance() {
+        // Built first, the trace ends later and takes the last messages.
+        TraceFile::GetInstance();
+        return *new Log;
+    }
+
+    static char* PutHeadBefore(char* begin, const Time& lineTime) {
+        return PutBefore(PutBefore(PutBefore(begin, "] "), TimeText::Now(lineTime, g_zone)), "[");
+    }
+
+    // Returns false if there is no file.
+    static bool WriteToFile(Log& log, const RoomyText& message) {
+        if (LogFileInternals::FileName(log).empty()) {
+            return false;
+        }
+        const FileCloser closer(log);
+        if (!log.Open(LogFileInternals::FileName(log), false)) {
+            return false;
+        }
+        const char* const begin = PutHeadBefore(message.begin, log.m_lineTime);
+        *message.end = '\n';
+        LogFileInternals::WriteFinished(log,
+                                        {begin, static_cast<std::size_t>(message.end + 1 - begin)});
+        return true;
+    }
 };
 
-Log::Log() : m_levelNames{"Info", "Warning", "Error", "Critical"}, m_lineTime(c_formatLine) {
-    // Built first, the trace ends later and takes the last messages.
-    TraceFile::GetInstance();
+}  // namespace internal
+
+std::atomic<bool> Log::m_enabled{false};
+
+Log::Log()
+    : m_levelNames{"Info", "Warning", "Error", "Critical"},
+      m_lineTime(Time::eDate | Time::eTimeOfDay) {
     m_enabled = true;
 }
 
@@ -47,7 +90,7 @@ Log::~Log() {
 
 // The object itself stays: a thread may be logging while the process exits.
 Log& Log::GetInstance() {
-    static Log& instance = *new Log;
+    static Log& instance = internal::LogInternals::MakeInstance();
     static const AtExit atExit;
     return instance;
 }
@@ -55,10 +98,10 @@ Log& Log::GetInstance() {
 bool Log::Init(const std::string& fileName) {
     Log& log = GetInstance();
     if (fileName.empty()) {
-        log.SetFileName(fileName);
+        LogFileInternals::SetFileName(log, fileName);
         return false;
     }
-    const FileCloser closer(log);
+    const internal::LogInternals::FileCloser closer(log);
     return log.Open(fileName, false);
 }
 
@@ -83,49 +126,37 @@ void Log::Error(int errorCode) {
 }
 
 void Log::WriteMessage(const std::string& levelName, const std::string& text) {
-    const TraceFile::ReportsLater reportsLater;
+    const internal::CancellationOff cancellationOff;
+    const internal::LateReports reports;
     const std::lock_guard<std::mutex> lock(m_mutex);
-    LineRoom room(c_levelNameWidth + levelName.size() + sizeof(": ") + text.size());
-    char* end = Put(room.Begin(), levelName);
-    while (end < room.Begin() + c_levelNameWidth) {
+    internal::LineBuffer room(c_gap,
+                              c_levelNameWidth + levelName.size() + sizeof(": ") + text.size());
+    char* const begin = room.Text();
+    char* end = Put(begin, levelName);
+    while (end < begin + c_levelNameWidth) {
         *end++ = ' ';
     }
-    const std::string_view message = room.TextTo(Put(Put(end, ": "), text));
-    if (!WriteToFile(message) && !TraceFile::GetInstance().IsActive()) {
-        std::cout << message << '\n';
+    end = Put(Put(end, ": "), text);
+    const std::string_view whole(begin, static_cast<std::size_t>(end - begin));
+    // Lines end at the text's first NUL.
+    const RoomyText message{begin, begin + std::min(whole.find('\0'), whole.size()), c_gap};
+    if (!internal::LogInternals::WriteToFile(*this, message) &&
+        !TraceFile::GetInstance().IsActive()) {
+        std::cout << whole << '\n';
     }
-    QUOR_TRACE(Low, message);
-}
-
-bool Log::WriteToFile(std::string_view message) {
-    if (FileName().empty()) {
-        return false;
+    if (TraceGateOpen(Low)) {
+        internal::TraceFileInternals::WriteLine(Low, "log", __LINE__, message);
     }
-    const FileCloser closer(*this);
-    if (!Open(FileName(), false)) {
-        return false;
-    }
-    LineRoom room(c_headerRoom + message.size() + 1);
-    char* const end = Put(PutHeader(room.Begin()), message.substr(0, message.find('\0')));
-    WriteFinished(room.TextTo(Put(end, "\n")));
-    return true;
 }
 
 std::string Log::FileHeader() const {
-    const std::string rule = std::string(79, '-') + "\n";
-    return rule + "* *****Logging started *****\n\n" +                //
-           "* Version       : " + VerInfo::VersionString() + "\n" +   //
-           "* Start time    : " + Time(c_formatFull).Text() + "\n" +  //
-           "* Process name  : " + GetProgName() + "\n" + rule + "\n";
+    return internal::OpeningBlock("Logging started", "");
 }
 
 std::string Log::LineHeader() const {
-    char header[c_headerRoom];
-    return {header, PutHeader(header)};
-}
-
-char* Log::PutHeader(char* end) const {
-    return Put(Put(Put(end, "["), m_lineTime.CurrentText(m_lineZone)), "] ");
+    char room[c_gap];
+    char* const end = room + c_gap;
+    return {internal::LogInternals::PutHeadBefore(end, m_lineTime), end};
 }
 
 }  // namespace quor

@@ -8,23 +8,36 @@
 #include <atomic>
 #include <mutex>
 #include <string>
-#include <string_view>
 
 namespace quor {
 
-/// The application log of the process: messages of four severities, a line each:
+namespace internal {
+struct LogInternals;
+}
+
+/// Writes the application log of the process: messages of four severities, a line each.
 ///
-///     [2020-01-31 08:00:00] Critical: disk full
+///     if (!quor::Log::Init("/var/log/spoold.log")) return 1;
+///     quor::Log::GetInstance().Info("spoold is ready");  // [2020-01-31 08:00:00] Info    : ...
 ///
-/// Every message opens the file, appends its line and closes it again, so the file may be renamed
-/// or removed at any time and comes back with its header. While the trace runs, every message is
-/// copied there at level Low. When there is no file, or it cannot be opened, and the trace does not
+/// Every message opens the file, appends its line and closes it, so the file may be renamed or
+/// removed at any time and comes back with its header. While the trace runs, every message is
+/// copied there at level Low. If there is no file, or it cannot be opened, and the trace does not
 /// run, the message goes to standard output, without a time and not flushed.
 ///
-/// Messages may be logged from any thread: one mutex holds over the whole message, and the trace
-/// file's is taken inside it. I/O errors are not reported. Throws std::bad_alloc, and
-/// std::system_error when the mutex cannot be locked. The one instance lives as long as the
-/// process.
+/// The caller must ensure that
+///   - Init() is called during start-up, before other threads log;
+///   - text from outside the program is escaped: it is written as it is;
+///   - the buffer of std::cout does not itself log: a message that goes there would block its own
+///     thread.
+/// The log guarantees that
+///   - messages may be logged from any thread, and lines never mix: one mutex is held during the
+///     whole message, and the trace's is taken inside it;
+///   - logging is no cancellation point.
+///
+/// I/O errors are not reported: a message that meets a full disk is lost, and the next one tries
+/// again. Throws std::bad_alloc, std::system_error if the mutex cannot be locked, and what the host
+/// makes std::cout throw. The one instance lives as long as the process.
 class Log : private LogFile {
 public:
     /// True from the first GetInstance() until the static objects are destroyed.
@@ -32,15 +45,15 @@ public:
 
     ~Log() override;
 
-    /// The one instance, made at the first call.
+    /// Returns the one instance, made at the first call.
     static Log& GetInstance();
 
-    /// Sets the log file, and creates it with its header when it is missing or empty. False when it
-    /// cannot be opened; each message tries it again. An empty name means standard output and
-    /// gives false. Takes no lock: call it during start-up, before other threads log.
+    /// Sets the log file, and creates it with its header if it is missing or empty. Returns false
+    /// if it cannot be opened; each message tries again. An empty name means standard output and
+    /// returns false. Takes no lock.
     static bool Init(const std::string& fileName);
 
-    /// Logs one message of that severity.
+    /// Log one message of that severity.
     /// @{
     void Info(const std::string& text);
     void Warning(const std::string& text);
@@ -49,8 +62,7 @@ public:
     /// @}
 
 private:
-    struct AtExit;
-    struct FileCloser;
+    friend struct internal::LogInternals;
 
     Log();
 
@@ -60,12 +72,9 @@ private:
     void Error(int errorCode) override;
 
     void WriteMessage(const std::string& levelName, const std::string& text);
-    bool WriteToFile(std::string_view message);
-    __attribute__((visibility("hidden"))) char* PutHeader(char* end) const;
 
     const std::string m_levelNames[4];
-    Time m_lineTime;                // guarded by m_mutex
-    mutable Time::Zone m_lineZone;  // of m_lineTime's text; guarded by m_mutex
+    Time m_lineTime;  // guarded by m_mutex
     std::mutex m_mutex;
 };
 

@@ -1,33 +1,31 @@
 #include <quor/log_file.h>
 
+#include <quor/internal/cancellation_off.h>
+#include <quor/internal/late_reports.h>
+#include <quor/internal/line_buffer.h>
+#include <quor/internal/log_file_internals.h>
+#include <quor/internal/standard_output.h>
+
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <iostream>
 
 namespace quor {
+
+using internal::CancellationOff;
+using internal::LateReports;
+using internal::LineBuffer;
+using internal::LogFileInternals;
+using internal::Put;
+
 namespace {
 
-constexpr int c_closed = -1;
-constexpr int c_standardOutput = 1;
+constexpr int c_closed = LogFileInternals::c_closed;
+constexpr int c_standardOutput = LogFileInternals::c_standardOutput;
 constexpr mode_t c_fileMode = 0666;
 constexpr int c_openFlags = O_WRONLY | O_APPEND;
-
-// A thread cancelled in the middle of a line would lose it, and cancellation that unwinds through a
-// destructor or a constructor declared not to throw would end the process.
-class CancellationOff {
-public:
-    CancellationOff() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_previous); }
-    CancellationOff(const CancellationOff&) = delete;
-    CancellationOff& operator=(const CancellationOff&) = delete;
-    ~CancellationOff() { pthread_setcancelstate(m_previous, nullptr); }
-
-private:
-    int m_previous = PTHREAD_CANCEL_ENABLE;
-};
 
 class FlagGuard {
 public:
@@ -145,30 +143,17 @@ void LogFile::Error(int /*errorCode*/) {
 }
 
 bool LogFile::Open(const std::string& fileName, bool sync) {
+    using Found = LogFileInternals::Found;
     const CancellationOff cancellationOff;
     m_fileName = fileName;
     m_sync = sync;
-    m_fd = m_fileName.empty() ? c_standardOutput : OpenOrCreate(m_fileName.c_str());
-    bool append = false;
-    if (m_fd != c_standardOutput) {
-        // A failed open fails here too: there is nothing to position.
-        const off_t end = lseek(m_fd, 0, SEEK_END);
-        if (end == -1) {
-            HandleError(errno);
-            return false;
-        }
-        append = end != 0;
-        if (!append) {
-            chmod(m_fileName.c_str(), c_fileMode);
-        }
+    const Found found = LogFileInternals::OpenDescriptor(*this);
+    if (found == Found::eNothing) {
+        return false;
     }
-    return WriteOpeningBlock(append);
-}
-
-bool LogFile::WriteOpeningBlock(bool append) {
     try {
-        std::string block = append ? AppendBanner() : FileHeader();
-        return block.empty() || WriteHeader(block);
+        std::string block = found == Found::eData ? AppendBanner() : FileHeader();
+        return WriteHeader(block);
     } catch (...) {
         // Without a block the object must not stay open: nobody would close it.
         if (!m_fileName.empty()) {
@@ -184,23 +169,17 @@ bool LogFile::Open() {
 }
 
 void LogFile::Close() {
-    if (!CloseSilently()) {
-        ReportLostTrailer(m_fileName);
-    }
-}
-
-bool LogFile::CloseSilently() {
     if (m_fd == c_closed) {
-        return true;
+        return;
     }
     const CancellationOff cancellationOff;
+    if (LogFileInternals::IsOnStandardOutput(*this) && !LateReports::IsHeld()) {
+        internal::FlushStandardOutput();
+    }
     const DescriptorCloser closer(m_fd);
-    return WriteBlock(m_fd, FileTrailer());
-}
-
-void LogFile::ReportLostTrailer(const std::string& fileName) {
-    const CancellationOff cancellationOff;
-    std::cerr << "Unable to write to log file: " << fileName << std::endl;
+    if (!WriteBlock(m_fd, FileTrailer())) {
+        LateReports::LostTrailer(m_fileName);
+    }
 }
 
 void LogFile::Write(const char* text, unsigned int /*length*/) {
@@ -211,18 +190,10 @@ void LogFile::Write(const char* text, unsigned int /*length*/) {
     const std::string_view body(text);
     const std::string header = m_printLineHeader ? LineHeader() : std::string();
     const std::string trailer = m_printLineTrailer ? LineTrailer() : std::string();
-    LineRoom room(header.size() + body.size() + trailer.size() + 1);
-    WriteFinished(room.TextTo(Put(Put(Put(Put(room.Begin(), header), body), trailer), "\n")));
-}
-
-void LogFile::WriteFinished(std::string_view line) {
-    const CancellationOff cancellationOff;
-    if (write(m_fd, line.data(), line.size()) < 0) {
-        HandleError(errno);
-    }
-    if (m_sync && m_fd != c_standardOutput) {
-        fsync(m_fd);
-    }
+    LineBuffer line(0, header.size() + body.size() + trailer.size());
+    char* const begin = line.Text();
+    char* const end = Put(Put(Put(Put(begin, header), body), trailer), "\n");
+    LogFileInternals::WriteFinished(*this, {begin, static_cast<std::size_t>(end - begin)});
 }
 
 bool LogFile::WriteHeader(std::string& block) {
@@ -240,6 +211,47 @@ void LogFile::HandleError(int errorCode) {
     }
     const FlagGuard guard(m_handlingError);
     Error(errorCode);
+}
+
+LogFileInternals::Found LogFileInternals::OpenDescriptor(LogFile& file) {
+    const CancellationOff cancellationOff;
+    const std::string& name = file.m_fileName;
+    file.m_fd = name.empty() ? c_standardOutput : OpenOrCreate(name.c_str());
+    if (file.m_fd == c_standardOutput) {
+        return Found::eEmpty;
+    }
+    // A failed open fails here too: there is nothing to position.
+    const off_t end = lseek(file.m_fd, 0, SEEK_END);
+    if (end == -1) {
+        file.HandleError(errno);
+        return Found::eNothing;
+    }
+    if (end != 0) {
+        return Found::eData;
+    }
+    fchmod(file.m_fd, c_fileMode);
+    return Found::eEmpty;
+}
+
+void LogFileInternals::CloseWith(LogFile& file, const std::string& trailer) {
+    if (file.m_fd == c_closed) {
+        return;
+    }
+    const CancellationOff cancellationOff;
+    const DescriptorCloser closer(file.m_fd);
+    if (!WriteBlock(file.m_fd, trailer)) {
+        LateReports::LostTrailer(file.m_fileName);
+    }
+}
+
+void LogFileInternals::WriteFinished(LogFile& file, std::string_view line) {
+    const CancellationOff cancellationOff;
+    if (write(file.m_fd, line.data(), line.size()) < 0) {
+        file.HandleError(errno);
+    }
+    if (file.m_sync && file.m_fd != c_standardOutput) {
+        fsync(file.m_fd);
+    }
 }
 
 }  // namespace quor

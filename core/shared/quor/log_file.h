@@ -2,25 +2,37 @@
 #define QUOR_LOG_FILE_H
 
 #include <atomic>
-#include <cstddef>
-#include <cstring>
-#include <memory>
 #include <string>
-#include <string_view>
 
 namespace quor {
 
-/// The life of a text file of lines: how it is opened, which block opens it, how a line is framed
-/// and which block closes it. Log and TraceFile supply the texts.
+namespace internal {
+struct LogFileInternals;
+}
+
+/// Writes a text file of lines, with a block of text at its opening and at its closing. Log and
+/// TraceFile are made of it.
 ///
-/// A new or empty file starts with FileHeader(); a file that holds data gets AppendBanner() and
-/// keeps its old lines; standard output (an empty name) always gets FileHeader(). Each line, and
-/// each block, is one write(2). There is no retry: a failed call reaches Error(), which closes the
-/// file, and later lines are dropped until the owner opens it again. Files are created with mode
-/// 0666 whatever the process's mask, so they belong in a directory that only the daemon enters.
+///     class Notes : public quor::LogFile {
+///     public:
+///         explicit Notes(const std::string& name) { Open(name, false); }
+///         ~Notes() override { Close(); }
+///         void Add(const std::string& text) { Write(text.c_str(), 0); }
+///     private:
+///         std::string FileTrailer() const override { return "* end of notes\n"; }
+///     };
 ///
-/// Nothing is locked: the derived classes serialise the operations of one object. The four flag
-/// accessors are atomic. Only std::bad_alloc is thrown. No operation is a cancellation point.
+/// A new or empty file starts with FileHeader(). A file that holds data gets AppendBanner() and
+/// keeps its lines. Standard output, whose name is empty, always gets FileHeader(). Each line and
+/// each block is one write(2), and an empty block is none. Nothing is retried: a failed call
+/// reaches Error(), which closes the file, and later lines are dropped until the owner opens it
+/// again.
+///
+/// Files are created with mode 0666 whatever the process's mask, so keep them in a directory that
+/// only the daemon may enter.
+///
+/// The caller must serialise the operations of one object, except for the four flag accessors,
+/// which are atomic. No operation is a cancellation point. Throws std::bad_alloc.
 class LogFile {
 public:
     /// A single line feed, for users of the library.
@@ -29,34 +41,28 @@ public:
     LogFile();
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
-    /// Closes the file. The trailer written from here is empty: a derived class that has one calls
-    /// Close() in its own destructor.
+    /// Closes the file with an empty trailer. A derived class that has a trailer calls Close() in
+    /// its own destructor.
     virtual ~LogFile();
 
-    /// Whether LineHeader() stands in front of each line; true at first. Returns true.
+    /// Sets or reads whether LineHeader() precedes each line; true at first. Returns true.
     /// @{
     bool SetPrintLineHeader(const bool& value);
     bool GetPrintLineHeader(bool& value) const;
     /// @}
-    /// Whether LineTrailer() stands behind the text of each line; true at first. Returns true.
+    /// Sets or reads whether LineTrailer() follows the text of each line; true at first. Returns
+    /// true.
     /// @{
     bool SetPrintLineTrailer(const bool& value);
     bool GetPrintLineTrailer(bool& value) const;
     /// @}
 
 protected:
-    /// Nothing, the name of standard output.
+    /// The empty string, the name of standard output.
     static const std::string c_emptyStr;
 
-    /// Room for one line.
-    class LineRoom;
-    /// Copies `text` to `end` and gives the new end.
-    static char* Put(char* end, std::string_view text) {
-        std::memcpy(end, text.data(), text.size());
-        return end + text.size();
-    }
-
-    /// The five texts; all empty here. Blocks are written as they are, line feeds included.
+    /// Return the five texts; all are empty here. Blocks are written as they are, line feeds
+    /// included.
     /// @{
     virtual std::string FileHeader() const;
     virtual std::string AppendBanner() const;
@@ -65,76 +71,37 @@ protected:
     virtual std::string LineTrailer() const;
     /// @}
 
-    /// Called with the errno of a failed call; closes the file.
+    /// Reacts to a failed call; `errorCode` is its errno. Closes the file here.
     virtual void Error(int errorCode);
 
-    /// Opens `fileName`, or standard output when it is empty, and writes the opening block. Only
-    /// for a closed object. With `sync`, each line is followed by fsync(2), except on descriptor 1.
-    /// Returns false when the file cannot be opened, positioned (a pipe) or written.
+    /// Opens `fileName`, or standard output if it is empty, and writes the opening block. The
+    /// object must be closed. With `sync`, each line is followed by fsync(2), except on descriptor
+    /// 1. Returns false if the file cannot be opened, positioned (a pipe) or written.
     bool Open(const std::string& fileName, bool sync);
     /// Opens standard output.
     bool Open();
-    /// Writes the trailer and closes the descriptor, standard output's too. When the trailer cannot
-    /// be written, says so on std::cerr. Does nothing on a closed object.
+    /// Writes the trailer and closes the descriptor; standard output, too, once std::cout and
+    /// stdout are flushed. Reports to std::cerr if the trailer cannot be written. Does nothing on a
+    /// closed object.
     void Close();
-    /// Close() without the word on std::cerr; false when there is one to say. Only for the library.
-    __attribute__((visibility("hidden"))) bool CloseSilently();
-    /// Says on std::cerr that the trailer of `fileName` could not be written. Only for the library.
-    __attribute__((visibility("hidden"))) static void ReportLostTrailer(
-        const std::string& fileName);
 
-    /// Writes one line: header, `text` up to its NUL, trailer, line feed. `length` is not looked
-    /// at. Does nothing on a closed object.
+    /// Writes one line: header, `text` up to its NUL, trailer, line feed. `length` is ignored. Does
+    /// nothing on a closed object.
     void Write(const char* text, unsigned int length);
-    /// Writes a complete line, its line feed included, as Write() does. Only for the library.
-    __attribute__((visibility("hidden"))) void WriteFinished(std::string_view line);
-    /// Writes `block` unchanged; false when that failed.
+    /// Writes `block` unchanged. Returns false if that failed.
     bool WriteHeader(std::string& block);
-    /// Calls Error(), unless it is running already.
+    /// Calls Error(), unless it is already running.
     void HandleError(int errorCode);
 
-    /// What GetPrintLineHeader() fills in.
-    bool PrintsLineHeader() const { return m_printLineHeader; }
-    /// Whether there is a descriptor.
-    bool IsOpen() const { return m_fd != -1; }
-    /// The name last given to Open().
-    const std::string& FileName() const { return m_fileName; }
-    /// Changes the name that FileName() gives, for the next Open().
-    void SetFileName(const std::string& fileName) { m_fileName = fileName; }
-
 private:
-    bool OpenDescriptor();
-    bool WriteOpeningBlock(bool append);
+    friend struct internal::LogFileInternals;
 
-    std::string m_fileName;  // empty means standard output
+    std::string m_fileName;  // empty: standard output
     bool m_sync;
     int m_fd;  // -1 closed, 1 standard output
     bool m_handlingError;
     std::atomic<bool> m_printLineHeader;
     std::atomic<bool> m_printLineTrailer;
-};
-
-/// The room in which the library puts a line together: on the stack unless it is long. Who fills it
-/// keeps the end himself, so that it stays in a register.
-class LogFile::LineRoom {
-public:
-    /// Room for `size` characters.
-    explicit LineRoom(std::size_t size)
-        : m_heap(size > sizeof(m_stack) ? new char[size] : nullptr) {}
-    LineRoom(const LineRoom&) = delete;
-    LineRoom& operator=(const LineRoom&) = delete;
-    ~LineRoom() = default;
-
-    /// Where to write, `size` characters at most.
-    char* Begin() { return m_heap != nullptr ? m_heap.get() : m_stack; }
-    /// What was written, up to `end`.
-    std::string_view TextTo(const char* end) {
-        return {Begin(), static_cast<std::size_t>(end - Begin())};
-    }
-
-private:
-    char m_stack[640];
-    std::unique_ptr<char[]> m_heap;
 };
 
 }  // namespace quor

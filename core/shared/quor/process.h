@@ -8,29 +8,31 @@
 #include <vector>
 
 /// @file
-/// Who and where the running code is. All functions are safe from any thread at any time and keep
-/// no state; they throw nothing but std::bad_alloc.
+/// Tells running code who and where it is. All functions may be called from any thread at any time
+/// and keep no state. They throw only std::bad_alloc.
 
 namespace quor {
 
-/// The short name of the running program, as the C library keeps it: the last path component of
-/// the first command-line argument. Valid for the life of the process.
+/// Returns the short name of the running program, as the C library keeps it: the last path
+/// component of the first command-line argument. Valid for the life of the process.
 const char* GetProgName();
 
-/// The process id.
+/// Returns the process id.
 pid_t GetPid();
 
-/// The kernel's id of the calling thread, asked of the kernel at every call, so it is right in a
-/// forked child; equals GetPid() on the main thread.
+/// Returns the kernel's id of the calling thread; equals GetPid() on the main thread. Asks the
+/// kernel at every call, so it is right in a forked child.
 pid_t GetTid();
 
-/// The readable form of a mangled symbol or encoded type name; `mangled` itself when there is none.
+/// Return the readable form of a mangled symbol or of a type's name; `mangled` itself if there is
+/// none.
+/// @{
 std::string CppName(const char* mangled);
-/// The readable name of a type.
 std::string CppName(const std::type_info& type);
+/// @}
 
-/// One text per stack frame of the caller, innermost first, at most `depth` and never more than
-/// 128; none for a depth of zero or less.
+/// Returns one text per stack frame of the caller, innermost first, at most `depth` and never more
+/// than 128; none for a depth of zero or less.
 ///
 /// A frame reads "object(function) [0xstart]" with the address at which the function starts, cut at
 /// 499 characters. Frames without a C++ symbol read as backtrace_symbols(3) gives them. Names of
@@ -38,11 +40,7 @@ std::string CppName(const std::type_info& type);
 /// never returns may show the function that follows in memory, a fact of return addresses.
 std::vector<std::string> GetExecutionStack(int depth);
 
-/// The text that a frame with this return address has in GetExecutionStack(), or an empty one when
-/// memory is short. Only for the library: not exported.
-__attribute__((visibility("hidden"))) std::string FrameText(void* address);
-
-/// The stack text of the calling function, or an empty text when there is no stack.
+/// Returns the stack text of the calling function, or an empty text if there is no stack.
 std::string ThisFncName();
 
 }  // namespace quor

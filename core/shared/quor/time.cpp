@@ -1,9 +1,10 @@
 #include <quor/time.h>
 
+#include <quor/internal/calendar_text.h>
+#include <quor/internal/time_text.h>
+
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <ostream>
 #include <type_traits>
 
@@ -11,7 +12,6 @@ namespace quor {
 namespace {
 
 constexpr long c_nanosecondsPerSecond = 1'000'000'000;
-constexpr signed char c_otherZone = 127;
 
 using UnsignedSeconds = std::make_unsigned_t<time_t>;
 
@@ -52,113 +52,24 @@ tm BreakDown(time_t seconds, bool utc) {
     return result != nullptr ? fields : tm{};
 }
 
-// The text of a moment depends on the zone through its UTC offset alone, which fits into the byte
-// that is left when it counts quarters of an hour, as all zones in use do. Texts of any other zone
-// are built at every use.
-signed char ZoneMark(const tm& fields) {
-    constexpr long c_quarter = 900;
-    const long quarters = fields.tm_gmtoff / c_quarter;
-    const bool fits = fields.tm_gmtoff % c_quarter == 0 && std::labs(quarters) < c_otherZone;
-    return fits ? static_cast<signed char>(quarters) : c_otherZone;
-}
-
-// The texts "00" to "99": two digits are had for one division.
-struct DigitPairs {
-    constexpr DigitPairs() : m_pairs{} {
-        for (int number = 0; number < 100; ++number) {
-            m_pairs[number][0] = static_cast<char>('0' + number / 10);
-            m_pairs[number][1] = static_cast<char>('0' + number % 10);
-        }
-    }
-    char m_pairs[100][2];
-};
-constexpr DigitPairs c_digitPairs;
-
-char* PutPair(char* text, std::uint32_t number) {
-    std::memcpy(text, c_digitPairs.m_pairs[number], 2);
-    return text + 2;
-}
-
-char* PutPair(char* text, int number) {
-    return PutPair(text, static_cast<std::uint32_t>(number));
-}
-
-char* PutDate(char* text, long year, const tm& fields) {
-    text = PutPair(text, static_cast<int>(year / 100));
-    text = PutPair(text, static_cast<int>(year % 100));
-    *text++ = '-';
-    text = PutPair(text, fields.tm_mon + 1);
-    *text++ = '-';
-    return PutPair(text, fields.tm_mday);
-}
-
-char* PutTimeOfDay(char* text, const tm& fields) {
-    text = PutPair(text, fields.tm_hour);
-    *text++ = ':';
-    text = PutPair(text, fields.tm_min);
-    *text++ = ':';
-    return PutPair(text, fields.tm_sec);
-}
-
-char* PutFraction(char* text, long nanoseconds) {
-    const auto number = static_cast<std::uint32_t>(nanoseconds);
-    PutPair(text, number / 100'000'000);  // a zero, which the point covers, and the first digit
-    PutPair(text + 2, number / 1'000'000 % 100);
-    PutPair(text + 4, number / 10'000 % 100);
-    PutPair(text + 6, number / 100 % 100);
-    text[0] = '.';
-    return PutPair(text + 8, number % 100);
-}
-
-// The texts of all years that are in use; they fit whatever the form.
-void PutCalendar(char* text, int form, long year, const timespec& time, const tm& fields) {
-    if ((form & Time::eDate) != 0) {
-        text = PutDate(text, year, fields);
-    }
-    if ((form & Time::eDate) != 0 && (form & Time::eTimeOfDay) != 0) {
-        *text++ = ' ';
-    }
-    if ((form & Time::eTimeOfDay) != 0) {
-        text = PutTimeOfDay(text, fields);
-    }
-    if ((form & Time::eNanoSec) != 0) {
-        text = PutFraction(text, time.tv_nsec);
-    }
-    *text = '\0';
-}
-
-// A calendar text with any other year; what does not fit is cut.
-template <std::size_t Size>
-void PrintCalendar(char (&text)[Size], int form, long year, const timespec& time,
-                   const tm& fields) {
-    const char* const format = (form & Time::eTimeOfDay) == 0 ? "%4ld-%02d-%02d"
-                               : (form & Time::eNanoSec) == 0
-                                   ? "%4ld-%02d-%02d %02d:%02d:%02d"
-                                   : "%4ld-%02d-%02d %02d:%02d:%02d.%09ld";
-    std::snprintf(text, Size, format, year, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
-                  fields.tm_min, fields.tm_sec, time.tv_nsec);
-}
-
 }  // namespace
 
 Time::Time(unsigned long seconds, unsigned long nanoseconds)
     : m_format(eTimeOfDay | eNanoSec),
       m_time{static_cast<time_t>(seconds), static_cast<long>(nanoseconds)},
       m_textStale(true),
-      m_text{},
-      m_textZone(0) {
+      m_text{} {
     Normalise();
 }
 
 Time::Time(unsigned int seconds) : Time(seconds, 0) {}
 
-Time::Time(int format)
-    : m_format(format), m_time{0, 0}, m_textStale(true), m_text{}, m_textZone(0) {
+Time::Time(int format) : m_format(format), m_time{0, 0}, m_textStale(true), m_text{} {
     UpdateToCurrent();
 }
 
 Time::Time(const Time& other)
-    : m_format(other.m_format), m_time(other.m_time), m_textStale(true), m_text{}, m_textZone(0) {}
+    : m_format(other.m_format), m_time(other.m_time), m_textStale(true), m_text{} {}
 
 Time& Time::operator=(const Time& other) {
     if (this != &other) {
@@ -246,52 +157,7 @@ void Time::ToText() const {
         return;
     }
     const tm fields = BreakDown(m_time.tv_sec, (m_format & eUtc) != 0);
-    // Wider than int: the year of a far 64-bit time does not wrap.
-    const long year = fields.tm_year + 1900L;
-    if ((form & eDate) != 0 && (year < 1000 || year > 9999)) {
-        PrintCalendar(m_text, form, year, m_time, fields);
-    } else {
-        PutCalendar(m_text, form, year, m_time, fields);
-    }
-    m_textZone = ZoneMark(fields);
-}
-
-bool Time::IsZoneOfTextCurrent() const {
-    if ((m_format & eUtc) != 0 || !IsCalendarForm(m_format)) {
-        return true;
-    }
-    return m_textZone != c_otherZone && ZoneMark(BreakDown(m_time.tv_sec, false)) == m_textZone;
-}
-
-const char* Time::Text() const {
-    if (m_textStale || !IsZoneOfTextCurrent()) {
-        ToText();
-    }
-    return m_text;
-}
-
-// To break a second down costs more than all the rest of a line. The zone is read without the C
-// library's lock: a tzset() in another thread at worst makes the text look out of date.
-const char* Time::CurrentText(Zone& zone) const {
-    Zone now;
-    now.m_names[0] = __atomic_load_n(&tzname[0], __ATOMIC_RELAXED);
-    now.m_names[1] = __atomic_load_n(&tzname[1], __ATOMIC_RELAXED);
-    now.m_offset = __atomic_load_n(&timezone, __ATOMIC_RELAXED);
-    now.m_summerTime = __atomic_load_n(&daylight, __ATOMIC_RELAXED);
-    const bool sameZone = now.m_names[0] == zone.m_names[0] && now.m_names[1] == zone.m_names[1] &&
-                          now.m_offset == zone.m_offset && now.m_summerTime == zone.m_summerTime;
-    const bool usable = sameZone && !m_textStale;
-    const time_t second = m_time.tv_sec;
-    if (!sameZone) {
-        zone = now;  // before the conversion: a change in its middle is seen next time
-    }
-    clock_gettime(CLOCK_REALTIME, &m_time);
-    if (__builtin_expect(!usable || m_time.tv_sec != second, 0)) {
-        ToText();
-    } else if ((m_format & eNanoSec) != 0) {
-        PutFraction(m_text + sizeof("15:53:46") - 1, m_time.tv_nsec);
-    }
-    return m_text;
+    internal::PutCalendar(m_text, sizeof(m_text), form, m_time, fields);
 }
 
 Time operator+(Time left, const Time& right) {
@@ -323,7 +189,42 @@ bool operator<(const Time& left, const Time& right) {
 }
 
 std::ostream& operator<<(std::ostream& stream, const Time& time) {
-    return stream << time.Text();
+    return stream << internal::TimeText::Of(time);
 }
+
+namespace internal {
+
+const char* TimeText::Of(const Time& time) {
+    if (time.m_textStale) {
+        time.ToText();
+    }
+    return time.m_text;
+}
+
+// The zone is read without the C library's lock: a tzset() in another thread at worst makes the
+// text look out of date.
+const char* TimeText::Now(const Time& time, ShownZone& zone) {
+    ShownZone now{};
+    now.names[0] = __atomic_load_n(&tzname[0], __ATOMIC_RELAXED);
+    now.names[1] = __atomic_load_n(&tzname[1], __ATOMIC_RELAXED);
+    now.offset = __atomic_load_n(&timezone, __ATOMIC_RELAXED);
+    now.summerTime = __atomic_load_n(&daylight, __ATOMIC_RELAXED);
+    const bool sameZone = now.names[0] == zone.names[0] && now.names[1] == zone.names[1] &&
+                          now.offset == zone.offset && now.summerTime == zone.summerTime;
+    const bool usable = sameZone && !time.m_textStale;
+    const time_t second = time.m_time.tv_sec;
+    if (!sameZone) {
+        zone = now;  // before the conversion: a change in its middle is seen next time
+    }
+    clock_gettime(CLOCK_REALTIME, &time.m_time);
+    if (__builtin_expect(!usable || time.m_time.tv_sec != second, 0)) {
+        time.ToText();
+    } else if ((time.m_format & Time::eNanoSec) != 0) {
+        PutFraction(time.m_text + sizeof("15:53:46") - 1, time.m_time.tv_nsec);
+    }
+    return time.m_text;
+}
+
+}  // namespace internal
 
 }  // namespace quor

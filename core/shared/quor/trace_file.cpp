@@ -1,302 +1,151 @@
 #include <quor/trace_file.h>
 
+#include <quor/detail/trace_gate.h>
+#include <quor/internal/log_file_internals.h>
+#include <quor/internal/numbered_stack.h>
+#include <quor/internal/opening_block.h>
+#include <quor/internal/standard_output.h>
+#include <quor/internal/trace_file_internals.h>
 #include <quor/process.h>
-#include <quor/ver_info.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <new>
-#include <vector>
 
 namespace quor {
+
+using internal::LogFileInternals;
+using Internals = internal::TraceFileInternals;
+
 namespace {
 
-constexpr int c_formatFull = Time::eDate | Time::eTimeOfDay | Time::eNanoSec;
-constexpr int c_formatLine = Time::eTimeOfDay | Time::eNanoSec;
 constexpr int c_stackDepth = 64;
 
-constexpr std::size_t c_stampLength = 20;  // "15:53:46.123456789] "
-constexpr std::size_t c_roomOfNumber = 16;
-// Room for all of a line but the file's name and the text.
-constexpr std::size_t c_roomOfFrame = 80;
-
-std::string Rule() {
-    return std::string(79, '-') + "\n";
+std::string OpeningBlock(const std::string& event) {
+    return internal::OpeningBlock(" Trace " + event,
+                                  "* Process id    : " + std::to_string(GetPid()) + "\n");
 }
-
-class ErrnoKeeper {
-public:
-    ErrnoKeeper() : m_errno(errno) {}
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
-    ~ErrnoKeeper() { errno = m_errno; }
-
-private:
-    int m_errno;
-};
-
-// As "%4d" prints it.
-char* PutLineNumber(char* end, int number) {
-    if (number < 0 || number > 9999) {
-        return end + std::snprintf(end, c_roomOfNumber, "%4d", number);
-    }
-    std::memset(end, ' ', 4);
-    char* digit = end + 4;
-    auto rest = static_cast<unsigned>(number);
-    do {
-        *--digit = static_cast<char>('0' + rest % 10);
-        rest /= 10;
-    } while (rest != 0);
-    return end + 4;
-}
-
-// A word that reads 0 in every new process, since the kernel wipes its page on fork, even on one
-// that went round the C library. Null where the kernel refuses.
-std::atomic<unsigned>* MapProcessWord() {
-    const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    void* const page =
-        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (page == MAP_FAILED) {
-        return nullptr;
-    }
-    // An emulator that takes any advice, and follows none, also takes one that does not exist.
-    if (madvise(page, size, MADV_WIPEONFORK) != 0 || madvise(page, size, -1) == 0) {
-        munmap(page, size);
-        return nullptr;
-    }
-    return new (page) std::atomic<unsigned>(0);
-}
-
-// The start of this thread's lines in this process, "[01234: ".
-struct LineStart {
-    unsigned process;  // what the process word was
-    unsigned length;
-    char text[c_roomOfNumber];
-};
-
-// In the room that the C library sets aside for libraries loaded late, to be read without a call.
-__attribute__((tls_model("initial-exec"))) thread_local LineStart t_lineStart{};
-
-// Null until the first line, and where the kernel refuses.
-std::atomic<std::atomic<unsigned>*> g_processWord(nullptr);
-
-__attribute__((noinline)) void RenewLineStart() {
-    static std::atomic<unsigned> processes(0);  // grows from parent to child, as fork copies it
-    static std::atomic<unsigned>* const word = MapProcessWord();
-    g_processWord = word;
-    unsigned process = 0;
-    if (word != nullptr) {
-        const unsigned next = ++processes;
-        process = word->compare_exchange_strong(process, next) ? next : process;
-    }
-    LineStart& start = t_lineStart;
-    start.length =
-        static_cast<unsigned>(std::snprintf(start.text, sizeof(start.text), "[%05d: ", GetTid()));
-    start.process = process;
-}
-
-// A thread asks the kernel for its id only once in each process: a system call is dear. A child
-// that shares this memory (CLONE_VM) needs a thread area of its own, as the C library wants too.
-const LineStart& LineStartOfThread() {
-    const std::atomic<unsigned>* const word = g_processWord;
-    if (word == nullptr || t_lineStart.process == 0 || t_lineStart.process != word->load()) {
-        RenewLineStart();
-    }
-    return t_lineStart;
-}
-
-// "[01234: ", and a gap for the stamp and its bracket. All of the array is copied: a fixed size
-// needs no call.
-char* PutHeader(char* end) {
-    const LineStart& start = LineStartOfThread();
-    std::memcpy(end, start.text, sizeof(start.text));
-    return end + start.length + c_stampLength;
-}
-
-// What this thread has to say on std::cerr once the last of its guards is gone.
-struct Reports {
-    unsigned guards;
-    bool due;
-};
-__attribute__((tls_model("initial-exec"))) thread_local Reports t_reports{};
 
 }  // namespace
 
-std::atomic<int> TraceFile::m_gate{TraceFile::c_gateClosed};
-
-// Ends the trace among the static objects of the process.
-struct TraceFile::AtExit {
-    explicit AtExit(TraceFile& traceFile) : m_traceFile(traceFile) {}
-    AtExit(const AtExit&) = delete;
-    AtExit& operator=(const AtExit&) = delete;
-    ~AtExit() { m_traceFile.End(); }
-
-    TraceFile& m_traceFile;
-};
-
-// Each of a thread's guards is within the one before it.
-TraceFile::ReportsLater::ReportsLater() {
-    ++t_reports.guards;
-}
-
-TraceFile::ReportsLater::~ReportsLater() {
-    if (--t_reports.guards == 0 && t_reports.due) {
-        t_reports.due = false;
-        GetInstance().ReportFailure();
-    }
-}
-
-// Holds m_mutex, and reports when it is free again.
-struct TraceFile::Access {
-    explicit Access(TraceFile& trace) : m_lock(trace.m_mutex) {}
-
-    ReportsLater m_reportsLater;
-    std::lock_guard<std::mutex> m_lock;
-};
+std::atomic<int> detail::g_traceGate{detail::c_traceGateClosed};
 
 TraceFile::TraceFile()
     : m_level(Off),
       m_active(false),
-      m_lineTime(c_formatLine),
+      m_lineTime(Time::eTimeOfDay | Time::eNanoSec),
       m_printFile(false),
       m_printLine(true),
-      m_dumpStack(false),
-      m_ended(false) {}
+      m_dumpStack(false) {}
 
 TraceFile::~TraceFile() {
     Close();
 }
 
-// The object itself stays: a thread may wait for its mutex while the process exits.
-TraceFile& TraceFile::GetInstance() {
-    static TraceFile& instance = MakeInstance();
-    return instance;
-}
-
-TraceFile& TraceFile::MakeInstance() {
-    auto& instance = *new TraceFile;
-    static const AtExit atExit(instance);
-    return instance;
-}
-
 void TraceFile::Init(const std::string& fileName, const std::string& directory) {
     TraceFile& instance = GetInstance();
+    std::string newName(fileName);
+    std::string newDirectory(directory);
     const std::lock_guard<std::mutex> lock(instance.m_mutex);
-    instance.m_traceFileName = fileName;
-    instance.m_traceDirectory = directory;
+    instance.m_traceFileName.swap(newName);
+    instance.m_traceDirectory.swap(newDirectory);
 }
 
 void TraceFile::Start(TraceLevel_e level) {
-    const Access access(*this);
-    StartLocked(level);
+    const Internals::Access access(*this);
+    Internals::Start(*this, level);
 }
 
-void TraceFile::StartLocked(TraceLevel_e level) {
-    if (IsOpen() || level == Off || m_ended) {
-        return;
+void Internals::Start(TraceFile& trace, TraceLevel_e level) {
+    if (!LogFileInternals::IsOpen(trace) && level != Off && !s_ended) {
+        const bool opened = trace.Open(NameToOpen(trace), false);
+        SetState(trace, level, opened);
     }
-    SetState(level, false);
-    SetState(level, OpenChosenFile());
 }
 
-bool TraceFile::IsOnStandardOutput() const {
-    return m_traceFileName.empty() || m_traceFileName == "-";
-}
-
-bool TraceFile::OpenChosenFile() {
-    if (IsOnStandardOutput()) {
-        return Open();
+std::string Internals::NameToOpen(const TraceFile& trace) {
+    const std::string& name = trace.m_traceFileName;
+    if (name.empty() || name == "-") {
+        return {};
     }
-    if (m_traceFileName == "+") {
-        return Open(GeneratedNameLocked(), false);
+    if (name == "+") {
+        return GeneratedName(trace);
     }
-    if (m_traceDirectory.empty()) {
-        return Open(m_traceFileName, false);
-    }
-    return Open(m_traceDirectory + "/" + m_traceFileName, false);
+    return trace.m_traceDirectory.empty() ? name : trace.m_traceDirectory + "/" + name;
 }
 
 void TraceFile::Stop() {
-    const Access access(*this);
-    StopLocked();
+    Internals::FlushBeforeClose(*this);
+    const Internals::Access access(*this);
+    Internals::Stop(*this);
 }
 
-void TraceFile::StopLocked() {
-    SetState(m_level, false);
-    CloseLocked();
+void Internals::Stop(TraceFile& trace) {
+    SetState(trace, trace.m_level, false);
+    trace.Close();
 }
 
-void TraceFile::CloseLocked() {
-    t_reports.due |= !CloseSilently();
-}
-
-__attribute__((noinline)) void TraceFile::ReportFailure() noexcept {
-    try {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        const std::string fileName = FileName();
-        lock.unlock();
-        ReportLostTrailer(fileName);
-    } catch (...) {
-        // A want of memory, or the host's stream, must not do more harm than the full disk.
+void Internals::FlushBeforeClose(TraceFile& trace) {
+    {
+        const Access access(trace);
+        if (!LogFileInternals::IsOnStandardOutput(trace)) {
+            return;
+        }
     }
-}
-
-void TraceFile::Error(int /*errorCode*/) {
-    CloseLocked();
+    FlushStandardOutput();
 }
 
 // The gate stays as it is in between: a closed one would cost lines.
 void TraceFile::Reopen() {
-    const Access access(*this);
-    const bool paused = IsOpen() && !m_active;
-    if (m_ended || IsOnStandardOutput() || !(m_active || paused)) {
+    using Found = LogFileInternals::Found;
+    const Internals::Access access(*this);
+    const bool paused = LogFileInternals::IsOpen(*this) && !m_active;
+    if (Internals::s_ended || LogFileInternals::FileName(*this).empty() || !(m_active || paused)) {
         return;
     }
-    CloseLocked();
-    const bool opened = OpenChosenFile();
-    SetState(m_level, opened && !paused);
-}
-
-void TraceFile::End() {
-    const Access access(*this);
-    m_ended = true;
-    StopLocked();
+    // Built first: if memory is short, nothing changes.
+    const std::string trailer = FileTrailer();
+    std::string header = FileHeader();
+    std::string banner = AppendBanner();
+    LogFileInternals::CloseWith(*this, trailer);
+    const Found found = LogFileInternals::OpenDescriptor(*this);
+    const bool opened =
+        found != Found::eNothing && WriteHeader(found == Found::eData ? banner : header);
+    Internals::SetState(*this, m_level, opened && !paused);
 }
 
 void TraceFile::Pause() {
-    const Access access(*this);
-    WriteEntry("*** Tracing paused. ***");
-    SetState(m_level, false);
+    const Internals::Access access(*this);
+    Internals::WriteEntry(*this, "*** Tracing paused. ***");
+    Internals::SetState(*this, m_level, false);
 }
 
 void TraceFile::Continue() {
-    const Access access(*this);
-    if (m_ended) {
-        return;
+    const Internals::Access access(*this);
+    if (!Internals::s_ended) {
+        Internals::WriteEntry(*this, "*** Tracing continued. ***");
+        Internals::SetState(*this, m_level, true);
     }
-    WriteEntry("*** Tracing continued. ***");
-    SetState(m_level, true);
 }
 
 bool TraceFile::SetLevel(const TraceLevel_e& level) {
     const TraceLevel_e wanted = level;
-    const Access access(*this);
+    if (wanted == Off) {
+        Internals::FlushBeforeClose(*this);
+    }
+    const Internals::Access access(*this);
     if (wanted == m_level) {
         return true;
     }
     if (!m_active) {
-        StartLocked(wanted);
+        Internals::Start(*this, wanted);
     }
-    SetState(wanted, m_active);
-    WriteEntry("*** Trace level changed to " + std::to_string(wanted));
+    // Nothing from here to Stop() allocates: it could not be made up for by another call.
+    Internals::SetState(*this, wanted, m_active && wanted != Off);
+    m_dumpStack = wanted == Off ? m_dumpStack.load() : wanted == Detail;
+    char text[48];
+    std::snprintf(text, sizeof(text), "*** Trace level changed to %d", wanted);
+    Internals::WriteEntry(*this, text);
     if (wanted == Off) {
-        StopLocked();
-    } else {
-        m_dumpStack = wanted == Detail;
+        Internals::Stop(*this);
     }
     return true;
 }
@@ -336,88 +185,38 @@ bool TraceFile::GetDumpStack(bool& value) const {
     return true;
 }
 
-void TraceFile::SetState(TraceLevel_e level, bool active) {
-    m_level = level;
-    m_active = active;
-    m_gate.store(active ? static_cast<int>(level) : c_gateClosed, std::memory_order_relaxed);
-}
-
-void TraceFile::WriteEntry(const std::string& text) {
-    Write(text.c_str(), static_cast<unsigned int>(text.size()));
+void Internals::SetState(TraceFile& trace, TraceLevel_e level, bool active) {
+    trace.m_level = level;
+    active = active && !s_ended;
+    trace.m_active = active;
+    detail::g_traceGate.store(active ? static_cast<int>(level) : detail::c_traceGateClosed,
+                              std::memory_order_relaxed);
 }
 
 void TraceFile::Trace(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                       const std::string& text) {
-    TraceLine(level, file, line, text.c_str());
-}
-
-void TraceFile::TraceLine(TraceLevel_e level, const char* file, int line, const char* text) {
-    const ErrnoKeeper keeper;
-    TraceFile& trace = GetInstance();
-    if (level <= Off || level > trace.m_level) {
-        return;
-    }
-    const bool printFile = trace.m_printFile;
-    const bool printLine = trace.m_printLine;
-    const std::string_view source(printFile ? file : "");
-    const std::string_view message(text);
-    LineRoom room(c_roomOfFrame + source.size() + message.size());
-    char* const header = room.Begin();
-    char* const body = trace.PrintsLineHeader() ? PutHeader(header) : header;
-    char* end = body;
-    if (printFile) {
-        end = Put(end, source);
-    }
-    if (printLine) {
-        end = PutLineNumber(end, line);
-    }
-    if (printFile || printLine) {
-        end = Put(end, ": ");
-    }
-    end = Put(Put(end, message), "\n");
-
-    const Access access(trace);
-    if (level > trace.m_level || !trace.IsOpen()) {
-        return;
-    }
-    if (body != header) {
-        trace.PutStamp(body);
-    }
-    trace.WriteFinished({header, static_cast<std::size_t>(end - header)});
+    Internals::WriteLine(level, file, line, text.c_str());
 }
 
 __attribute__((noinline)) void TraceFile::DumpStack() {
     if (!m_active || !m_dumpStack) {
         return;
     }
-    std::string entry;
-    int index = 0;
-    for (const std::string& frame : GetExecutionStack(c_stackDepth)) {
-        entry += std::to_string(index++) + ". " + frame + "\n";
-    }
-    const Access access(*this);
+    const std::string entry = internal::NumberedStack(GetExecutionStack(c_stackDepth));
+    const Internals::Access access(*this);
     if (m_active) {
-        WriteEntry(entry);
+        Internals::WriteEntry(*this, entry);
     }
 }
 
-std::string TraceFile::GeneratedTraceFileName() const {
+std::string TraceFile::GeneratedTraceFileName() {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return GeneratedNameLocked();
+    return Internals::GeneratedName(*this);
 }
 
-std::string TraceFile::GeneratedNameLocked() const {
-    return (m_traceDirectory.empty() ? "." : m_traceDirectory) + "/" + GetProgName() + "_" +
-           std::to_string(GetPid()) + ".log";
-}
-
-std::string TraceFile::OpeningBlock(const char* event) const {
-    return Rule() + "* ***** Trace " + event + " *****\n\n" +         //
-           "* Version       : " + VerInfo::VersionString() + "\n" +   //
-           "* Start time    : " + Time(c_formatFull).Text() + "\n" +  //
-           "* Process name  : " + GetProgName() + "\n" +              //
-           "* Process id    : " + std::to_string(GetPid()) + "\n" +   //
-           Rule() + "\n";
+std::string Internals::GeneratedName(const TraceFile& trace) {
+    return (trace.m_traceDirectory.empty() ? "." : trace.m_traceDirectory) + "/" + GetProgName() +
+           "_" + std::to_string(GetPid()) + ".log";
 }
 
 std::string TraceFile::FileHeader() const {
@@ -429,20 +228,12 @@ std::string TraceFile::AppendBanner() const {
 }
 
 std::string TraceFile::FileTrailer() const {
-    return "\n" + Rule() + "* ***** Trace stopped *****\n\n" +  //
-           "* End time      : " + Time(c_formatFull).Text() + "\n" + Rule();
+    return "\n" + internal::Rule() + "* ***** Trace stopped *****\n\n" +  //
+           "* End time      : " + internal::FullTime() + "\n" + internal::Rule();
 }
 
 std::string TraceFile::LineHeader() const {
-    char header[c_roomOfFrame];
-    char* const end = PutHeader(header);
-    PutStamp(end);
-    return {header, end};
-}
-
-void TraceFile::PutStamp(char* end) const {
-    const std::string_view timeOfDay(m_lineTime.CurrentText(m_lineZone), c_stampLength - 2);
-    Put(Put(end - c_stampLength, timeOfDay), "] ");
+    return Internals::LineHead(*this);
 }
 
 }  // namespace quor

@@ -1,13 +1,11 @@
 #ifndef QUOR_TRACE_LEVEL_H
 #define QUOR_TRACE_LEVEL_H
 
-/// All that the library offers but for its macros and three variables.
+/// The library, except for its macros and three variables.
 namespace quor {
 
-/// How much the trace tells, from silent to most verbose.
-///
-/// A message of level L is written while the trace's level is at least L. Levels are compared as
-/// integers and printed as decimal numbers.
+/// How much is traced, from silent to most verbose. A message of level L is written while the
+/// trace's level is at least L. Levels are compared as integers and printed as decimal numbers.
 enum TraceLevel_e {
     Off = 0,     ///< nothing; setting this level closes the trace file
     Low = 1,     ///< life-cycle events, warnings, thrown exceptions, copies of log messages

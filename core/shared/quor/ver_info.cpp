@@ -1,6 +1,7 @@
 #include <quor/ver_info.h>
 
 #include <iostream>
+#include <utility>
 
 // Macros of the C library that would take over the accessors' names.
 #undef major
@@ -20,7 +21,8 @@ VerInfo& VerInfo::GetInstance() {
 void VerInfo::Init(int major, int minor, int build, int revision, const char* label,
                    const char* compiler, const char* buildTime, const char* buildMachine,
                    const char* buildUser) {
-    VerInfo& info = GetInstance();
+    // Built aside: if memory is short, the record stays as it is.
+    VerInfo info;
     info.m_major = major;
     info.m_minor = minor;
     info.m_build = build;
@@ -33,6 +35,7 @@ void VerInfo::Init(int major, int minor, int build, int revision, const char* la
     info.m_versionString = std::to_string(major) + "." + std::to_string(minor) + "-" +
                            std::to_string(build) + "-r" + std::to_string(revision) + " " +
                            info.m_label;
+    GetInstance() = std::move(info);
 }
 
 int VerInfo::Major() {

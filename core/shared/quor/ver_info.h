@@ -6,30 +6,33 @@
 
 namespace quor {
 
-/// The version and build facts of the host program, one record per process.
+/// Holds the version and build facts of the host program, one record per process.
 ///
-/// The host fills it once at start-up, before other threads read it; the values come from its own
-/// build. File headers of the log and the trace print VersionString(). Until Init() the numbers
-/// are 0, Label() is "build info not set" and the other texts are empty.
+///     quor::VerInfo::Init(2, 8, 40, 1234, "rc1", "g++ 12.2", "2026-01-31 08:00:00", "builder",
+///     "ci"); quor::VerInfo::Dump();
 ///
-/// Creation of the record is thread-safe. Init() is not synchronised with readers, who hold
-/// references into the record. The record is never destroyed, so that headers can be written
-/// until the very end of the process.
+/// Log and trace print VersionString() in their file headers. Until Init() the numbers are 0,
+/// Label() is "build info not set" and the other texts are empty.
+///
+/// The caller must ensure that Init() is called before other threads read the record: they hold
+/// references into it. The record is created on first use, on any thread, and never destroyed, so
+/// that headers can be written until the very end of the process.
 class VerInfo {
 public:
     VerInfo(const VerInfo&) = delete;
     VerInfo& operator=(const VerInfo&) = delete;
     virtual ~VerInfo();
 
-    /// The record.
+    /// Returns the record.
     static VerInfo& GetInstance();
 
-    /// Overwrites the whole record; may be called again. No text may be null.
+    /// Overwrites the whole record; may be called again. No text may be null. Throws std::bad_alloc
+    /// and then leaves the record as it is.
     static void Init(int major, int minor, int build, int revision, const char* label,
                      const char* compiler, const char* buildTime, const char* buildMachine,
                      const char* buildUser);
 
-    /// As given to Init().
+    /// Return what was given to Init().
     /// @{
     static int Major();
     static int Minor();
@@ -41,7 +44,7 @@ public:
     static const std::string& BuildMachine();
     static const std::string& BuildUser();
     /// @}
-    /// "major.minor-build-rrevision label"; with an empty label it ends in the blank.
+    /// Returns "major.minor-build-rrevision label"; with an empty label it ends in the blank.
     static const std::string& VersionString();
 
     /// Prints the record to standard output, five lines, each flushed. The line "Revision:" shows
@@ -50,6 +53,7 @@ public:
 
 private:
     VerInfo();
+    VerInfo& operator=(VerInfo&&) = default;
 
     int m_major = 0;
     int m_minor = 0;

@@ -11,7 +11,9 @@ public:
     ErrnoKeeper() : m_errno(errno) {}
     ErrnoKeeper(const ErrnoKeeper&) = delete;
     ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
-    ~ErrnoKeeper() { errno = m_errno; }
+    ~ErrnoKeeper() { Restore(); }
+
+    void Restore() const { errno = m_errno; }
 
 private:
     const int m_errno;

@@ -1,0 +1,23 @@
+#ifndef QUOR_INTERNAL_THREAD_LABEL_H
+#define QUOR_INTERNAL_THREAD_LABEL_H
+
+namespace quor::internal {
+
+constexpr unsigned c_threadLabelRoom = 16;
+
+// How every line of a thread begins: "[01234: ", with the kernel's id of the thread.
+struct ThreadLabel {
+    unsigned process;  // the process this was made in
+    unsigned length;
+    char text[c_threadLabelRoom];
+};
+
+// Returns the calling thread's label. Asks the kernel once per thread and process: system calls are
+// expensive. The label is right in a forked child, and in one that was cloned behind the C
+// library's back. A child that shares this memory (CLONE_VM) needs a thread area of its own, which
+// the C library demands as well.
+const ThreadLabel& LabelOfThread();
+
+}  // namespace quor::internal
+
+#endif

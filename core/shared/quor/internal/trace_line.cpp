@@ -1,0 +1,119 @@
+#include <quor/detail/errno_keeper.h>
+#include <quor/internal/log_file_internals.h>
+#include <quor/internal/thread_label.h>
+#include <quor/internal/time_text.h>
+#include <quor/internal/trace_file_internals.h>
+
+#include <cstring>
+
+namespace quor::internal {
+namespace {
+
+constexpr std::size_t c_stampLength = 20;  // "15:53:46.123456789] "
+// Room for the head of a line, but for its file's name: thread, time, line number.
+constexpr std::size_t c_headRoom = 64;
+
+ShownZone g_zone;  // of the latest stamp; guarded by the trace's mutex
+
+// As "%4d" prints it.
+char* PutNumberBefore(char* begin, int number) {
+    char* const end = begin;
+    unsigned rest = number < 0 ? 0U - static_cast<unsigned>(number) : static_cast<unsigned>(number);
+    do {
+        *--begin = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0);
+    if (number < 0) {
+        *--begin = '-';
+    }
+    while (end - begin < 4) {
+        *--begin = ' ';
+    }
+    return begin;
+}
+
+// Puts the thread's label in front of `begin`, and leaves room for the stamp in between.
+char* PutLabelBefore(char* begin) {
+    const ThreadLabel& label = LabelOfThread();
+    begin -= c_stampLength + label.length;
+    // The whole array, since a fixed size needs no call. The stamp covers what is too much.
+    std::memcpy(begin, label.text, c_threadLabelRoom);
+    return begin;
+}
+
+void PutStampBefore(char* begin, const Time& lineTime) {
+    const std::string_view timeOfDay(TimeText::Now(lineTime, g_zone), c_stampLength - 2);
+    Put(Put(begin - c_stampLength, timeOfDay), "] ");
+}
+
+}  // namespace
+
+// All but the stamp is put together before the mutex is taken.
+void TraceFileInternals::WriteLine(TraceLevel_e level, const char* file, int line,
+                                   const RoomyText& text) {
+    const detail::ErrnoKeeper keeper;
+    TraceFile& trace = TraceFile::GetInstance();
+    if (level <= Off || level > trace.m_level) {
+        return;
+    }
+    const bool printFile = trace.m_printFile;
+    const bool printLine = trace.m_printLine;
+    const std::string_view source(printFile ? file : "");
+    if (c_headRoom + source.size() > text.gap) {
+        WriteLine(level, file, line, {text.begin, static_cast<std::size_t>(text.end - text.begin)});
+        return;
+    }
+    char* begin = text.begin;
+    if (printFile || printLine) {
+        begin = PutBefore(begin, ": ");
+    }
+    if (printLine) {
+        begin = PutNumberBefore(begin, line);
+    }
+    char* const body = PutBefore(begin, source);
+    const bool printHead = LogFileInternals::PrintsLineHeader(trace);
+    begin = printHead ? PutLabelBefore(body) : body;
+    *text.end = '\n';
+
+    const Access access(trace);
+    if (level > trace.m_level || !LogFileInternals::IsOpen(trace)) {
+        return;
+    }
+    if (printHead) {
+        PutStampBefore(body, trace.m_lineTime);
+    }
+    LogFileInternals::WriteFinished(trace, {begin, static_cast<std::size_t>(text.end + 1 - begin)});
+}
+
+// The name's length is looked at even if the trace does not show it: it may do so a moment later.
+void TraceFileInternals::WriteLine(TraceLevel_e level, const char* file, int line,
+                                   std::string_view text) {
+    const std::size_t gap = c_headRoom + std::strlen(file);
+    LineBuffer room(gap, text.size());
+    WriteLine(level, file, line, {room.Text(), Put(room.Text(), text), gap});
+}
+
+void TraceFileInternals::WriteEntry(TraceFile& trace, std::string_view text) {
+    if (!LogFileInternals::IsOpen(trace)) {
+        return;
+    }
+    LineBuffer room(c_headRoom, text.size());
+    char* const body = room.Text();
+    char* const end = Put(Put(body, text), "\n");
+    char* begin = body;
+    if (LogFileInternals::PrintsLineHeader(trace)) {
+        begin = PutLabelBefore(body);
+        PutStampBefore(body, trace.m_lineTime);
+    }
+    LogFileInternals::WriteFinished(trace, {begin, static_cast<std::size_t>(end - begin)});
+}
+
+std::string TraceFileInternals::LineHead(const TraceFile& trace) {
+    char room[c_headRoom];
+    char* const end = room + c_headRoom;
+    char* const begin = PutLabelBefore(end);
+    PutStampBefore(end, trace.m_lineTime);
+    return {begin, end};
+}
+
+}  // namespace quor::internal
