@@ -77,9 +77,28 @@ TEST(Reporting, GoesAsFarAsMemoryReachesAndNeverEndsTheProcess) {
         });
     }
     WithShortMemory([&text] { Log::GetInstance().Info(text); });
-    TraceFile::GetInstance().Stop();
-    WithShortMemory([] { TraceFile::GetInstance().Start(Low); });
-    EXPECT_TRUE(TraceFile::GetInstance().IsActive());
+    TraceFile& file = TraceFile::GetInstance();
+    file.Pause();
+    WithShortMemory([&file] { file.Reopen(); });
+    file.Continue();
+    WithShortMemory([&file] { file.SetLevel(Off); });
+    WithShortMemory([&file] { file.SetLevel(Detail); });
+    bool dump = false;
+    EXPECT_TRUE(file.IsActive() && file.GetDumpStack(dump) && dump);
+    file.Stop();
+    WithShortMemory([&file] { file.Start(Low); });
+    EXPECT_TRUE(file.IsActive());
+    trace.News();
+    WithShortMemory([&text] { TraceFile::Init(text, text); });
+    WithShortMemory([&text] {
+        const std::string before = VerInfo::VersionString() + VerInfo::BuildUser();
+        try {
+            VerInfo::Init(1, 2, 3, 4, text.c_str(), "", "", "", text.c_str());
+        } catch (...) {
+            EXPECT_EQ(VerInfo::VersionString() + VerInfo::BuildUser(), before);
+            throw;
+        }
+    });
     EXPECT_EQ(OpenDescriptors(), descriptors);
 }
 

@@ -1,5 +1,10 @@
 #include "support.h"
 
+#include <pthread.h>
+
+#include <iostream>
+#include <sstream>
+
 namespace quor_test {
 
 std::string LogHeader() {
@@ -49,6 +54,30 @@ TEST(Log, WritesToStandardOutputWhileThereIsNeitherFileNorTrace) {
     EXPECT_EQ(Masked(ReadFile("missing/app.log")), LogHeader() + "[#] Warning : c\n");
 }
 
+// Standard output of a host in which every write is a cancellation point.
+struct Cancelling : std::stringbuf {
+    Cancelling() { std::cout.rdbuf(this); }
+    ~Cancelling() override { std::cout.rdbuf(previous); }
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        pthread_testcancel();
+        return std::stringbuf::xsputn(text, size);
+    }
+    std::streambuf* const previous = std::cout.rdbuf();
+};
+
+TEST(Log, FinishesTheMessageOfACancelledThread) {
+    EXPECT_FALSE(Log::Init(""));
+    Cancelling output;
+    std::thread([] {
+        pthread_cancel(pthread_self());
+        Log::GetInstance().Warning("a");
+        pthread_testcancel();
+        ADD_FAILURE() << "not cancelled";
+    }).join();
+    Log::GetInstance().Warning("b");
+    EXPECT_EQ(output.str(), "Warning : a\nWarning : b\n");
+}
+
 TEST(Log, CopiesMessagesIntoTheRunningTrace) {
     TraceTap trace;
     EXPECT_TRUE(Log::Init("app.log"));
@@ -87,10 +116,12 @@ TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         TraceFile::GetInstance().Start(Low);
         LogCritical("x");
+        std::cout << "of the host";
         TraceFile::GetInstance().Stop();
         _exit(Log::m_enabled ? 1 : 0);
     };
-    EXPECT_EXIT(report(), testing::ExitedWithCode(0), "[0-9]: x\n\n-+\n.+ Trace stopped");
+    EXPECT_EXIT(report(), testing::ExitedWithCode(0),
+                "[0-9]: x\n(.+\n)?of the host\n-+\n.+ Trace stopped");
 }
 
 }  // namespace quor_test

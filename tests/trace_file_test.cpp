@@ -190,11 +190,22 @@ TEST(TraceFile, DumpsTheStackAsOneEntryOfNumberedLinesAndAnEmptyOne) {
     EXPECT_THAT(trace.News(), testing::ContainsRegex("\n62\\. [^\n]+\n63\\. [^\n]+\n\n$"));
 }
 
-TEST(TraceFile, ReopenLetsGoOfARenamedFileAndOfNothingElse) {
+TEST(TraceFile, ReopensTheFileThatIsOpenAndNothingElse) {
     TraceTap trace(Off);
     File().Reopen();
     EXPECT_FALSE(std::filesystem::exists("trace.log"));
+    {
+        const Redirected output(STDOUT_FILENO, "output");
+        TraceFile::Init("-", "");
+        File().Start(Low);
+        TraceFile::Init("trace.log", "");
+        File().Reopen();
+        EXPECT_TRUE(File().IsActive());
+        File().Stop();
+    }
+    EXPECT_EQ(Masked(ReadFile("output")), TraceOpening("started") + TraceClosing());
     File().Start(Low);
+    TraceFile::Init("-", "");
     File().Pause();
     std::filesystem::rename("trace.log", "paused");
     File().Reopen();
@@ -214,6 +225,35 @@ TEST(TraceFile, ReopenLetsGoOfARenamedFileAndOfNothingElse) {
               TraceOpening("started") + "[#: #] *** Tracing continued. ***\n" + TraceClosing());
     EXPECT_EQ(trace.News(),
               TraceOpening("started") + TraceOpening("appended") + "[#: #]   76: revived\n");
+}
+
+// A thread that holds the trace's mutex may be gone in a child, and memory may have run out.
+TEST(TraceFileProcess, NothingKeepsTheProcessFromItsEnd) {
+    for (const bool blocked : {false, true}) {
+        const Folder folder;
+        int pipe[2];
+        ASSERT_EQ(pipe2(pipe, 0), 0);
+        fcntl(pipe[1], F_SETPIPE_SZ, 4096);
+        std::fflush(stdout);
+        Child child([&pipe, blocked](Pipe&) {
+            dup2(pipe[1], STDOUT_FILENO);
+            TraceFile::Init(blocked ? "-" : "trace.log", "");
+            File().Start(Low);
+            if (blocked) {
+                const int writes = g_hooks.writes;
+                std::thread([] { Line(Low, std::string(4096, 'x')); }).detach();
+                while (g_hooks.writes == writes) {  // the line does not fit into the pipe
+                    std::this_thread::yield();
+                }
+            }
+            Hooks::allocations = 0;
+            exit(0);
+        });
+        close(pipe[1]);
+        EXPECT_EQ(child.Exit(), 0);
+        close(pipe[0]);
+        EXPECT_EQ(Masked(ReadFile("trace.log")), blocked ? "" : TraceOpening("started"));
+    }
 }
 
 TEST(TraceFile, AppendsPastTwoGigabytes) {
