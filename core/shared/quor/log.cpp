@@ -20,8 +20,8 @@ using internal::RoomyText;
 namespace {
 
 constexpr std::size_t c_levelNameWidth = 8;
-// In front of a message goes the head of a line of the log, and then of one of the trace.
-constexpr std::size_t c_gap = 96;
+// Room for the head of the log's line, and then of the trace's.
+constexpr std::size_t c_gap = internal::c_lineGap;
 
 internal::ShownZone g_zone;  // of the latest stamp; guarded by the log's mutex
 
@@ -140,12 +140,12 @@ void Log::WriteMessage(const std::string& levelName, const std::string& text) {
     const std::string_view whole(begin, static_cast<std::size_t>(end - begin));
     // Lines end at the text's first NUL.
     const RoomyText message{begin, begin + std::min(whole.find('\0'), whole.size()), c_gap};
-    if (!internal::LogInternals::WriteToFile(*this, message) &&
-        !TraceFile::GetInstance().IsActive()) {
+    TraceFile& trace = TraceFile::GetInstance();
+    if (!internal::LogInternals::WriteToFile(*this, message) && !trace.IsActive()) {
         std::cout << whole << '\n';
     }
     if (TraceGateOpen(Low)) {
-        internal::TraceFileInternals::WriteLine(Low, "log", __LINE__, message);
+        internal::TraceFileInternals::WriteLine(trace, Low, "log", __LINE__, message);
     }
 }
 

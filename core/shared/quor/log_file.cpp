@@ -153,7 +153,7 @@ bool LogFile::Open(const std::string& fileName, bool sync) {
     }
     try {
         std::string block = found == Found::eData ? AppendBanner() : FileHeader();
-        return WriteHeader(block);
+        return block.empty() || WriteHeader(block);
     } catch (...) {
         // Without a block the object must not stay open: nobody would close it.
         if (!m_fileName.empty()) {
@@ -241,16 +241,6 @@ void LogFileInternals::CloseWith(LogFile& file, const std::string& trailer) {
     const DescriptorCloser closer(file.m_fd);
     if (!WriteBlock(file.m_fd, trailer)) {
         LateReports::LostTrailer(file.m_fileName);
-    }
-}
-
-void LogFileInternals::WriteFinished(LogFile& file, std::string_view line) {
-    const CancellationOff cancellationOff;
-    if (write(file.m_fd, line.data(), line.size()) < 0) {
-        file.HandleError(errno);
-    }
-    if (file.m_sync && file.m_fd != c_standardOutput) {
-        fsync(file.m_fd);
     }
 }
 

@@ -14,7 +14,7 @@ TraceLevel_e TraceActiveLevel() {
 
 void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                 const std::string& text) {
-    internal::TraceFileInternals::WriteLine(level, file, line, text.c_str());
+    internal::TraceFileInternals::WriteText(level, file, line, text.c_str());
 }
 
 // Scopes end in destructors and in the last handlers of threads, where an exception would end the

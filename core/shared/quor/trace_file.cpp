@@ -195,7 +195,7 @@ void Internals::SetState(TraceFile& trace, TraceLevel_e level, bool active) {
 
 void TraceFile::Trace(TraceLevel_e level, const char* /*function*/, const char* file, int line,
                       const std::string& text) {
-    Internals::WriteLine(level, file, line, text.c_str());
+    Internals::WriteText(level, file, line, text.c_str());
 }
 
 __attribute__((noinline)) void TraceFile::DumpStack() {

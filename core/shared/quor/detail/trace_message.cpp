@@ -10,6 +10,9 @@
 #include <locale>
 
 namespace quor::detail {
+
+static_assert(TraceBuffer::c_gap >= internal::c_lineGap);
+
 namespace {
 
 // What a stream needs of its locale. The C++ library's own way to build a stream looks these up by
@@ -157,7 +160,8 @@ void TraceMessage::Write(TraceLevel_e level, const char* /*function*/, const cha
     *buffer.End() = '\0';
     try {
         internal::TraceFileInternals::WriteLine(
-            level, file, line, {text, text + std::strlen(text), TraceBuffer::c_gap});
+            TraceFile::GetInstance(), level, file, line,
+            {text, text + std::strlen(text), TraceBuffer::c_gap});
     } catch (...) {
         // Sites are in destructors and in the last handlers of threads: a line is not worth that.
     }

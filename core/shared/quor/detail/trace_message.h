@@ -16,7 +16,7 @@ namespace quor::detail {
 // Holds the text of a message where the line is written from: behind a gap in which the head of the
 // line is put, and with room for a line feed. Knows positions as a string buffer does. Allocates
 // nothing up to 400 characters.
-class TraceBuffer : public std::streambuf {
+class TraceBuffer final : public std::streambuf {
 public:
     static constexpr std::size_t c_gap = 96;
 
@@ -48,7 +48,7 @@ private:
 // What the message of a trace site is streamed into: an std::ostream in the classic locale, with a
 // fast path for strings and integers, which make up most messages. Everything else, and anything
 // after a manipulator, is formatted by std::ostream.
-class TraceStream : public std::ostream {
+class TraceStream final : public std::ostream {
     template <class Value, class... Types>
     using IfOneOf = std::enable_if_t<(std::is_same_v<Value, Types> || ...), TraceStream&>;
 

@@ -2,32 +2,13 @@
 
 #include <quor/time.h>
 
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 namespace quor::internal {
 namespace {
 
-// The texts "00" to "99": one division yields two digits.
-struct DigitPairs {
-    constexpr DigitPairs() : m_pairs{} {
-        for (int number = 0; number < 100; ++number) {
-            m_pairs[number][0] = static_cast<char>('0' + number / 10);
-            m_pairs[number][1] = static_cast<char>('0' + number % 10);
-        }
-    }
-    char m_pairs[100][2];
-};
-constexpr DigitPairs c_digitPairs;
-
-char* PutPair(char* text, std::uint32_t number) {
-    std::memcpy(text, c_digitPairs.m_pairs[number], 2);
-    return text + 2;
-}
-
 char* PutPair(char* text, int number) {
-    return PutPair(text, static_cast<std::uint32_t>(number));
+    return internal::PutPair(text, static_cast<std::uint32_t>(number));
 }
 
 char* PutDate(char* text, long year, const tm& fields) {
@@ -65,16 +46,6 @@ void PutCommon(char* text, int form, long year, const timespec& time, const tm& 
 }
 
 }  // namespace
-
-char* PutFraction(char* text, long nanoseconds) {
-    const auto number = static_cast<std::uint32_t>(nanoseconds);
-    PutPair(text, number / 100'000'000);  // a zero, which the point covers, and the first digit
-    PutPair(text + 2, number / 1'000'000 % 100);
-    PutPair(text + 4, number / 10'000 % 100);
-    PutPair(text + 6, number / 100 % 100);
-    text[0] = '.';
-    return PutPair(text + 8, number % 100);
-}
 
 void PutCalendar(char* text, std::size_t size, int form, const timespec& time, const tm& fields) {
     // Wider than int: the year of a far 64-bit time does not wrap.

@@ -4,11 +4,41 @@
 #include <time.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace quor::internal {
 
-// Writes ".123456789" to `text`, without a NUL, and returns the end.
-char* PutFraction(char* text, long nanoseconds);
+// The texts "00" to "99": one division yields two digits.
+struct DigitPairs {
+    constexpr DigitPairs() : m_pairs{} {
+        for (int number = 0; number < 100; ++number) {
+            m_pairs[number][0] = static_cast<char>('0' + number / 10);
+            m_pairs[number][1] = static_cast<char>('0' + number % 10);
+        }
+    }
+    char m_pairs[100][2];
+};
+inline constexpr DigitPairs c_digitPairs;
+
+// Writes two digits and returns the end.
+inline char* PutPair(char* text, std::uint32_t number) {
+    std::memcpy(text, c_digitPairs.m_pairs[number], 2);
+    return text + 2;
+}
+
+// Writes ".123456789", without a NUL, and returns the end.
+inline char* PutFraction(char* text, long nanoseconds) {
+    const auto number = static_cast<std::uint32_t>(nanoseconds);
+    const std::uint32_t high = number / 10'000;
+    const std::uint32_t low = number % 10'000;
+    PutPair(text, high / 10'000);  // a zero, which the point covers, and the first digit
+    PutPair(text + 2, high / 100 % 100);
+    PutPair(text + 4, high % 100);
+    PutPair(text + 6, low / 100);
+    text[0] = '.';
+    return PutPair(text + 8, low % 100);
+}
 
 // Writes `time` in a form with a calendar pattern (Time::Format_e without eUtc), cut to `size`
 // characters with its NUL. `fields` are its calendar fields.

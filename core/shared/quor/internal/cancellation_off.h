@@ -5,17 +5,30 @@
 
 namespace quor::internal {
 
+// How many CancellationOff the thread holds, and what was before the first of them.
+struct CancellationState {
+    unsigned depth;
+    int previous;
+};
+extern __thread CancellationState t_cancellation __attribute__((tls_model("initial-exec")));
+
 // Keeps the calling thread from being cancelled in its scope. A thread cancelled in the middle of a
-// line would lose it, and cancellation that unwinds through a destructor ends the process.
+// line would lose it, and cancellation that unwinds through a destructor ends the process. One
+// within another costs next to nothing.
 class CancellationOff {
 public:
-    CancellationOff() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_previous); }
+    CancellationOff() {
+        if (t_cancellation.depth++ == 0) {
+            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &t_cancellation.previous);
+        }
+    }
     CancellationOff(const CancellationOff&) = delete;
     CancellationOff& operator=(const CancellationOff&) = delete;
-    ~CancellationOff() { pthread_setcancelstate(m_previous, nullptr); }
-
-private:
-    int m_previous = PTHREAD_CANCEL_ENABLE;
+    ~CancellationOff() {
+        if (--t_cancellation.depth == 0) {
+            pthread_setcancelstate(t_cancellation.previous, nullptr);
+        }
+    }
 };
 
 }  // namespace quor::internal

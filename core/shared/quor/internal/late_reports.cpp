@@ -7,20 +7,16 @@
 #include <iostream>
 
 namespace quor::internal {
-namespace {
 
 // Allocated by the C library: the list must not need a destructor at the thread's end.
-struct Report {
-    Report* next;
+struct LateReport {
+    LateReport* next;
     char fileName[1];
 };
 
-struct Pending {
-    unsigned guards;
-    bool nameless;  // a report that memory was too short for
-    Report* first;
-};
-__attribute__((tls_model("initial-exec"))) thread_local Pending t_pending{};
+__thread PendingReports t_pendingReports{};
+
+namespace {
 
 void Say(const char* fileName) {
     std::cerr << "Unable to write to log file: " << fileName << std::endl;
@@ -34,34 +30,21 @@ void SayGuarded(const char* fileName) noexcept {
     }
 }
 
+}  // namespace
+
 // The host's stream may itself log or trace, and so come back here.
-__attribute__((noinline)) void SayPending() noexcept {
+void SayPendingReports() noexcept {
     const CancellationOff cancellationOff;
-    while (Report* const report = t_pending.first) {
-        t_pending.first = report->next;
+    PendingReports& pending = t_pendingReports;
+    while (LateReport* const report = pending.first) {
+        pending.first = report->next;
         SayGuarded(report->fileName);
         std::free(report);
     }
-    if (t_pending.nameless) {
-        t_pending.nameless = false;
+    if (pending.nameless) {
+        pending.nameless = false;
         SayGuarded("");
     }
-}
-
-}  // namespace
-
-LateReports::LateReports() {
-    ++t_pending.guards;
-}
-
-LateReports::~LateReports() {
-    if (--t_pending.guards == 0 && (t_pending.first != nullptr || t_pending.nameless)) {
-        SayPending();
-    }
-}
-
-bool LateReports::IsHeld() {
-    return t_pending.guards != 0;
 }
 
 void LateReports::LostTrailer(const std::string& fileName) {
@@ -70,14 +53,15 @@ void LateReports::LostTrailer(const std::string& fileName) {
         Say(fileName.c_str());
         return;
     }
-    auto* const report = static_cast<Report*>(std::malloc(sizeof(Report) + fileName.size()));
+    auto* const report =
+        static_cast<LateReport*>(std::malloc(sizeof(LateReport) + fileName.size()));
     if (report == nullptr) {
-        t_pending.nameless = true;
+        t_pendingReports.nameless = true;
         return;
     }
     report->next = nullptr;
     std::memcpy(report->fileName, fileName.c_str(), fileName.size() + 1);
-    Report** last = &t_pending.first;
+    LateReport** last = &t_pendingReports.first;
     while (*last != nullptr) {
         last = &(*last)->next;
     }

@@ -24,10 +24,15 @@ inline char* PutBefore(char* begin, std::string_view text) {
 // A text in the middle of a writable room: `gap` characters in front of it, into which the head of
 // a line goes, and one behind it for the line feed.
 struct RoomyText {
+    std::size_t Size() const { return static_cast<std::size_t>(end - begin); }
+
     char* begin;
     char* end;
     std::size_t gap;
 };
+
+// The gap of a text that becomes a line of the trace: enough but for very long file names.
+constexpr std::size_t c_lineGap = 96;
 
 // The room in which a line is put together, on the stack unless the line is long. Throws
 // std::bad_alloc.

@@ -1,8 +1,12 @@
 #ifndef QUOR_INTERNAL_LOG_FILE_INTERNALS_H
 #define QUOR_INTERNAL_LOG_FILE_INTERNALS_H
 
+#include <quor/internal/cancellation_off.h>
 #include <quor/log_file.h>
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <string>
 #include <string_view>
 
@@ -31,7 +35,15 @@ struct LogFileInternals {
     // As Close(), with a trailer that was built before.
     static void CloseWith(LogFile& file, const std::string& trailer);
     // Writes a complete line, its line feed included.
-    static void WriteFinished(LogFile& file, std::string_view line);
+    static void WriteFinished(LogFile& file, std::string_view line) {
+        const CancellationOff cancellationOff;
+        if (write(file.m_fd, line.data(), line.size()) < 0) {
+            file.HandleError(errno);
+        }
+        if (file.m_sync && file.m_fd != c_standardOutput) {
+            fsync(file.m_fd);
+        }
+    }
 };
 
 }  // namespace quor::internal

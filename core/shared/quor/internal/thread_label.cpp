@@ -29,13 +29,12 @@ std::atomic<unsigned>* MapProcessWord() {
     return new (page) std::atomic<unsigned>(0);
 }
 
-// In the room that the C library sets aside for libraries loaded late, to be read without a call.
-__attribute__((tls_model("initial-exec"))) thread_local ThreadLabel t_label{};
+}  // namespace
 
-// Null until the first line, and if the kernel does not wipe pages.
+__thread ThreadLabel t_threadLabel{};
 std::atomic<std::atomic<unsigned>*> g_processWord(nullptr);
 
-__attribute__((noinline)) void RenewLabel() {
+void RenewLabelOfThread() {
     static std::atomic<unsigned> processes(0);  // grows from parent to child, as fork copies it
     static std::atomic<unsigned>* const word = MapProcessWord();
     g_processWord = word;
@@ -44,19 +43,10 @@ __attribute__((noinline)) void RenewLabel() {
         const unsigned next = ++processes;
         process = word->compare_exchange_strong(process, next) ? next : process;
     }
-    t_label.length =
-        static_cast<unsigned>(std::snprintf(t_label.text, c_threadLabelRoom, "[%05d: ", GetTid()));
-    t_label.process = process;
-}
-
-}  // namespace
-
-const ThreadLabel& LabelOfThread() {
-    const std::atomic<unsigned>* const word = g_processWord;
-    if (word == nullptr || t_label.process == 0 || t_label.process != word->load()) {
-        RenewLabel();
-    }
-    return t_label;
+    ThreadLabel& label = t_threadLabel;
+    label.length =
+        static_cast<unsigned>(std::snprintf(label.text, c_threadLabelRoom, "[%05d: ", GetTid()));
+    label.process = process;
 }
 
 }  // namespace quor::internal

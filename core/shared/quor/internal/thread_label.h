@@ -1,6 +1,8 @@
 #ifndef QUOR_INTERNAL_THREAD_LABEL_H
 #define QUOR_INTERNAL_THREAD_LABEL_H
 
+#include <atomic>
+
 namespace quor::internal {
 
 constexpr unsigned c_threadLabelRoom = 16;
@@ -12,11 +14,28 @@ struct ThreadLabel {
     char text[c_threadLabelRoom];
 };
 
+// In the room that the C library sets aside for libraries loaded late, to be reached without a
+// call.
+extern __thread ThreadLabel t_threadLabel __attribute__((tls_model("initial-exec")));
+
+// A word that differs in every process. Null until the first line, and if the kernel has no means
+// to tell processes apart.
+extern std::atomic<std::atomic<unsigned>*> g_processWord;
+
+void RenewLabelOfThread();
+
 // Returns the calling thread's label. Asks the kernel once per thread and process: system calls are
 // expensive. The label is right in a forked child, and in one that was cloned behind the C
 // library's back. A child that shares this memory (CLONE_VM) needs a thread area of its own, which
 // the C library demands as well.
-const ThreadLabel& LabelOfThread();
+inline const ThreadLabel& LabelOfThread() {
+    const std::atomic<unsigned>* const word = g_processWord;
+    const ThreadLabel& label = t_threadLabel;
+    if (word == nullptr || label.process == 0 || label.process != word->load()) {
+        RenewLabelOfThread();
+    }
+    return label;
+}
 
 }  // namespace quor::internal
 

@@ -41,12 +41,14 @@ struct TraceFileInternals {
     static void End(TraceFile& trace) noexcept;
     // Standard output is about to be closed; writes out what the host has left in its buffers.
     static void FlushBeforeClose(TraceFile& trace);
-    // Writes one line, if the trace takes this level: thread and time of day, the source's file and
-    // line where the trace shows them, and `text`, which holds no NUL. Keeps errno. Throws
-    // std::system_error if the mutex cannot be locked; with room in front of the text, throws
-    // std::bad_alloc only if the file's name does not fit in.
-    static void WriteLine(TraceLevel_e level, const char* file, int line, std::string_view text);
-    static void WriteLine(TraceLevel_e level, const char* file, int line, const RoomyText& text);
+    // Write one line, if the trace takes this level: thread and time of day, the source's file and
+    // line where the trace shows them, and the text, which holds no NUL. Throw std::system_error if
+    // the mutex cannot be locked, and std::bad_alloc for a text that has to be copied to the heap:
+    // a long one, or one without room in front of it for the name of its file.
+    static void WriteLine(TraceFile& trace, TraceLevel_e level, const char* file, int line,
+                          const RoomyText& text);
+    static void WriteText(TraceLevel_e level, const char* file, int line, std::string_view text,
+                          std::size_t gap = c_lineGap);
 };
 
 }  // namespace quor::internal

@@ -1,9 +1,11 @@
 #include <quor/detail/errno_keeper.h>
+#include <quor/internal/calendar_text.h>
 #include <quor/internal/log_file_internals.h>
 #include <quor/internal/thread_label.h>
 #include <quor/internal/time_text.h>
 #include <quor/internal/trace_file_internals.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace quor::internal {
@@ -11,25 +13,26 @@ namespace {
 
 constexpr std::size_t c_stampLength = 20;  // "15:53:46.123456789] "
 // Room for the head of a line, but for its file's name: thread, time, line number.
-constexpr std::size_t c_headRoom = 64;
+constexpr std::size_t c_headRoom = 48;
 
 ShownZone g_zone;  // of the latest stamp; guarded by the trace's mutex
 
 // As "%4d" prints it.
 char* PutNumberBefore(char* begin, int number) {
     char* const end = begin;
-    unsigned rest = number < 0 ? 0U - static_cast<unsigned>(number) : static_cast<unsigned>(number);
-    do {
-        *--begin = static_cast<char>('0' + rest % 10);
-        rest /= 10;
-    } while (rest != 0);
+    auto rest = number < 0 ? 0U - static_cast<unsigned>(number) : static_cast<unsigned>(number);
+    std::memset(begin - 4, ' ', 4);
+    for (; rest >= 10; rest /= 100) {
+        begin -= 2;
+        PutPair(begin, rest % 100);
+    }
+    if (rest != 0 || begin == end) {
+        *--begin = static_cast<char>('0' + rest);
+    }
     if (number < 0) {
         *--begin = '-';
     }
-    while (end - begin < 4) {
-        *--begin = ' ';
-    }
-    return begin;
+    return std::min(begin, end - 4);
 }
 
 // Puts the thread's label in front of `begin`, and leaves room for the stamp in between.
@@ -49,20 +52,13 @@ void PutStampBefore(char* begin, const Time& lineTime) {
 }  // namespace
 
 // All but the stamp is put together before the mutex is taken.
-void TraceFileInternals::WriteLine(TraceLevel_e level, const char* file, int line,
+void TraceFileInternals::WriteLine(TraceFile& trace, TraceLevel_e level, const char* file, int line,
                                    const RoomyText& text) {
-    const detail::ErrnoKeeper keeper;
-    TraceFile& trace = TraceFile::GetInstance();
     if (level <= Off || level > trace.m_level) {
         return;
     }
     const bool printFile = trace.m_printFile;
     const bool printLine = trace.m_printLine;
-    const std::string_view source(printFile ? file : "");
-    if (c_headRoom + source.size() > text.gap) {
-        WriteLine(level, file, line, {text.begin, static_cast<std::size_t>(text.end - text.begin)});
-        return;
-    }
     char* begin = text.begin;
     if (printFile || printLine) {
         begin = PutBefore(begin, ": ");
@@ -70,9 +66,19 @@ void TraceFileInternals::WriteLine(TraceLevel_e level, const char* file, int lin
     if (printLine) {
         begin = PutNumberBefore(begin, line);
     }
-    char* const body = PutBefore(begin, source);
+    if (printFile) {
+        const std::string_view source(file);
+        if (c_headRoom + source.size() > text.gap) {
+            WriteText(level, file, line, {text.begin, text.Size()}, c_headRoom + source.size());
+            return;
+        }
+        begin = PutBefore(begin, source);
+    }
+    char* const body = begin;
     const bool printHead = LogFileInternals::PrintsLineHeader(trace);
-    begin = printHead ? PutLabelBefore(body) : body;
+    if (printHead) {
+        begin = PutLabelBefore(body);
+    }
     *text.end = '\n';
 
     const Access access(trace);
@@ -85,12 +91,16 @@ void TraceFileInternals::WriteLine(TraceLevel_e level, const char* file, int lin
     LogFileInternals::WriteFinished(trace, {begin, static_cast<std::size_t>(text.end + 1 - begin)});
 }
 
-// The name's length is looked at even if the trace does not show it: it may do so a moment later.
-void TraceFileInternals::WriteLine(TraceLevel_e level, const char* file, int line,
-                                   std::string_view text) {
-    const std::size_t gap = c_headRoom + std::strlen(file);
-    LineBuffer room(gap, text.size());
-    WriteLine(level, file, line, {room.Text(), Put(room.Text(), text), gap});
+// Flat: the lines of TraceWrite() come this way.
+__attribute__((flatten)) void TraceFileInternals::WriteText(TraceLevel_e level, const char* file,
+                                                            int line, std::string_view text,
+                                                            std::size_t gap) {
+    const detail::ErrnoKeeper keeper;
+    TraceFile& trace = TraceFile::GetInstance();
+    if (level > Off && level <= trace.m_level) {
+        LineBuffer room(gap, text.size());
+        WriteLine(trace, level, file, line, {room.Text(), Put(room.Text(), text), gap});
+    }
 }
 
 void TraceFileInternals::WriteEntry(TraceFile& trace, std::string_view text) {
