@@ -23,6 +23,32 @@ void ClosedGate(benchmark::State& state) {
 }
 BENCHMARK(ClosedGate)->Name("closed gate/quor");
 
+#define QUOR_TEN_TIMES(statement) \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement;                    \
+    statement
+
+void ReadTenWords(benchmark::State& state) {
+    for (auto _ : state) {
+        QUOR_TEN_TIMES(if (g_word.load(std::memory_order_relaxed) >= 1) StopTrace(state));
+    }
+}
+BENCHMARK(ReadTenWords)->Name("ten closed gates/floor");
+
+void TenClosedGates(benchmark::State& state) {
+    for (auto _ : state) {
+        QUOR_TEN_TIMES(QUOR_TRACE(Low, "pass " << state.iterations()));
+    }
+}
+BENCHMARK(TenClosedGates)->Name("ten closed gates/quor");
+
 void ReadTwoWords(benchmark::State& state) {
     for (auto _ : state) {
         if (g_word.load(std::memory_order_relaxed) >= 1) {

@@ -51,58 +51,7 @@ TEST(Exception, ReportsItsTextAndPlaceOrTheWholeStack) {
     EXPECT_EQ(trace.News(), "");
 }
 
-// Memory ends at each allocation of the operation in turn.
-void WithShortMemory(const std::function<void()>& operation) {
-    bool enough = false;
-    for (int granted = 0; !enough; ++granted) {
-        const ScopedValue memory(Hooks::allocations, granted);
-        try {
-            operation();
-        } catch (const std::bad_alloc&) {
-        }
-        enough = Hooks::allocations > 0;
-    }
-}
-
-TEST(Reporting, GoesAsFarAsMemoryReachesAndNeverEndsTheProcess) {
-    TraceTap trace;
-    EXPECT_TRUE(Log::Init("app.log"));
-    const auto descriptors = OpenDescriptors();
-    const std::string text(200, 'x');
-    for (const bool dump : {false, true}) {
-        TraceFile::GetInstance().SetDumpStack(dump);
-        WithShortMemory([&text] {
-            const Exception exception(text.c_str(), true);
-            EXPECT_EQ(text.compare(0, std::strlen(exception.what()), exception.what()), 0);
-        });
-    }
-    WithShortMemory([&text] { Log::GetInstance().Info(text); });
-    TraceFile& file = TraceFile::GetInstance();
-    file.Pause();
-    WithShortMemory([&file] { file.Reopen(); });
-    file.Continue();
-    WithShortMemory([&file] { file.SetLevel(Off); });
-    WithShortMemory([&file] { file.SetLevel(Detail); });
-    bool dump = false;
-    EXPECT_TRUE(file.IsActive() && file.GetDumpStack(dump) && dump);
-    file.Stop();
-    WithShortMemory([&file] { file.Start(Low); });
-    EXPECT_TRUE(file.IsActive());
-    trace.News();
-    WithShortMemory([&text] { TraceFile::Init(text, text); });
-    WithShortMemory([&text] {
-        const std::string before = VerInfo::VersionString() + VerInfo::BuildUser();
-        try {
-            VerInfo::Init(1, 2, 3, 4, text.c_str(), "", "", "", text.c_str());
-        } catch (...) {
-            EXPECT_EQ(VerInfo::VersionString() + VerInfo::BuildUser(), before);
-            throw;
-        }
-    });
-    EXPECT_EQ(OpenDescriptors(), descriptors);
-}
-
-TEST(ReportingDeathTest, AnExceptionIsBuiltWithoutMemoryBeforeAnythingElse) {
+TEST(ExceptionDeathTest, IsBuiltWithoutMemoryBeforeAnythingElse) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto build = [] {
         const ScopedValue memory(Hooks::allocations, 0);
