@@ -23,7 +23,6 @@ using internal::Put;
 namespace {
 
 constexpr int c_closed = LogFileInternals::c_closed;
-constexpr int c_standardOutput = LogFileInternals::c_standardOutput;
 constexpr mode_t c_fileMode = 0666;
 constexpr int c_openFlags = O_WRONLY | O_APPEND;
 
