@@ -1,5 +1,6 @@
 // counts [WHAT TIMES]: does one thing so many times, for scripts/bench --counts, which takes the
-// difference of two runs. Without arguments it names what it can do.
+// difference of two runs. Without arguments it names what it can do. Log and trace are written
+// beside this program, wherever it is started.
 #include <quor/exception.h>
 #include <quor/log.h>
 #include <quor/process.h>
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <future>
 #include <iostream>
 #include <string>
@@ -86,6 +88,9 @@ void ParkAThread() {
 
 void Run(const Operation& operation, int times) {
     ParkAThread();
+    std::filesystem::current_path(std::filesystem::canonical("/proc/self/exe").parent_path());
+    std::filesystem::remove("counts.log");
+    std::filesystem::remove("counts.trace");
     Log::Init("counts.log");
     TraceFile::Init("counts.trace", "");
     TraceFile::GetInstance().Start(operation.level);
