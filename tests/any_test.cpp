@@ -3,9 +3,11 @@
 #include <quor/any.h>
 
 #include <iomanip>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <thread>
+#include <tuple>
 
 #include "thrown.h"
 
@@ -48,10 +50,15 @@ TEST(Any, PrintsAndCountsTheSixteenTypes) {
 }
 
 TEST(Any, RefusesToPrintEverythingElse) {
+    const auto print = [](std::ostream& stream,
+                          const auto& value) -> decltype(quor::operator<<(stream, value)) {
+        return quor::operator<<(stream, value);
+    };
+    static_assert(!std::is_invocable_v<decltype(print), std::ostream&, Array<int>>);
     for (const Any& value : {Any(), Any('c'), Any(short{1}), Any(1L), Any(1UL), Any(1.0L),
                              Any(Array<long>{1}), Any(Array<short>{1})}) {
         std::ostringstream stream;
-        EXPECT_EQ(Thrown([&] { stream << value; }), "Unsupported value type");
+        EXPECT_EQ(Thrown([&] { print(stream, value); }), "Unsupported value type");
         EXPECT_TRUE(stream.str().empty() && !value.IsArray() && value.Size() == 1)
             << value.Value().type().name();
     }
@@ -119,6 +126,9 @@ TEST(Any, IsAValue) {
     value = "text";
     value = Any(value.Value());  // a boost::any gives its value
     EXPECT_EQ(value.Get<std::string>(), "text");
+    std::map<std::string, std::tuple<Any>> nested;  // asks whether Any can be made of itself
+    nested.try_emplace("text", value);
+    EXPECT_EQ(Printed(std::get<0>(nested["text"])), "text");
     value = {};
     EXPECT_TRUE(value.Empty());
 }

@@ -1,4 +1,5 @@
 // Throws from functions that the optimiser would like to move, and traces to standard output.
+#include <quor/any.h>
 #include <quor/exception.h>
 #include <quor/trace.h>
 #include <quor/trace_file.h>
@@ -24,11 +25,12 @@ __attribute__((noinline)) void Swallowed(int number) {
 int main(int count, char** /*arguments*/) {
     quor::TraceFile::GetInstance().Start(quor::Low);
     Swallowed(count);
-    for (int kind = 0; kind < 3; ++kind) {
+    for (int kind = 0; kind < 4; ++kind) {
         try {
             if (kind == 0) FromText(count);
             if (kind == 1) FromString(count);
-            FromStream(count);
+            if (kind == 2) FromStream(count);
+            quor::Any(count).Get<std::vector<bool>>();
         } catch (const quor::Exception&) {
         }
     }

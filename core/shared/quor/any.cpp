@@ -75,10 +75,14 @@ std::ostream& operator<<(std::ostream& os, const Any& value) {
     return os;
 }
 
-template std::vector<unsigned long long> Any::Get<std::vector<unsigned long long>>() const;
-template std::vector<double> Any::Get<std::vector<double>>() const;
-template std::vector<float> Any::Get<std::vector<float>>() const;
-template std::vector<std::string> Any::Get<std::vector<std::string>>() const;
+template std::vector<bool> Any::Get() const;
+template std::vector<int> Any::Get() const;
+template std::vector<unsigned int> Any::Get() const;
+template std::vector<long long> Any::Get() const;
+template std::vector<unsigned long long> Any::Get() const;
+template std::vector<double> Any::Get() const;
+template std::vector<float> Any::Get() const;
+template std::vector<std::string> Any::Get() const;
 template void Any::PrintArray<bool>(std::ostream& os) const;
 
 }  // namespace quor

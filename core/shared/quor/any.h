@@ -1,6 +1,7 @@
 #ifndef QUOR_ANY_H
 #define QUOR_ANY_H
 
+#include <quor/detail/any_value.h>
 #include <quor/exception.h>
 
 #include <cstddef>
@@ -20,39 +21,28 @@
 
 namespace quor {
 
-/// One value of a type that the code which passes it on need not know, or no value.
+/// Holds one value of any copyable type, or none.
 ///
-///     const quor::Any limit = 42;
-///     std::cout << limit << ' ' << limit.Get<int>() << '\n';
+///     std::map<std::string, quor::Any> settings{{"limit", 42}, {"name", "spool"}};
+///     const int limit = settings["limit"].Get<int>();
+///     std::cout << settings["name"] << ' ' << limit << '\n';
 ///
-/// Values of any copyable type are held unchanged; strings of char that are not std::string become
-/// one. Supported, which means that they can be printed, are the scalars bool, int, unsigned int,
-/// long long, unsigned long long, double, float and std::string, and the arrays, std::vectors of
-/// these. A type is only ever itself: there are no conversions.
+/// A value keeps its type, and there are no conversions: an `int` is not returned as a `long`. The
+/// exception is text: a character array or a `char*` is stored as a std::string and ends at its
+/// first NUL. A std::string keeps embedded NULs; a std::string_view stays a view.
 ///
-/// Failures throw Exception. A value that was moved from is empty. Any number of threads may read
-/// one Any as long as none changes it.
+/// Only the supported types can be printed: bool, int, unsigned int, long long, unsigned long long,
+/// double, float, std::string, and the arrays, which are std::vectors of these.
+///
+/// The caller must ensure that no thread changes an Any while another one uses it; several threads
+/// may read it. All failures are reported as an Exception. A moved-from Any is empty.
 class Any {
-    template <typename T>
-    using Stored = std::conditional_t<std::is_same_v<std::decay_t<T>, const char*> ||
-                                          std::is_same_v<std::decay_t<T>, char*>,
-                                      std::string, std::decay_t<T>>;
-
-    // Not for Any itself, whose copies and moves a template would take over.
-    template <typename T>
-    using IfValue = std::enable_if_t<std::conjunction_v<
-        std::negation<std::is_base_of<Any, std::decay_t<T>>>,
-        std::disjunction<std::negation<std::is_array<std::remove_reference_t<T>>>,
-                         std::is_same<Stored<T>, std::string>>,
-        std::is_copy_constructible<std::decay_t<T>>>>;
-
 public:
-    /// Without a value.
+    /// Creates an empty Any.
     Any() = default;
-    /// Holds a copy of `value`. A string of char must not be a null pointer; a boost::any gives the
-    /// value that it holds.
-    template <typename T, typename = IfValue<T>>
-    Any(T&& value) : m_value(Stored<T>(std::forward<T>(value))) {}
+    /// Stores a copy of `value`. A `char*` must not be null. A boost::any passes on its own value.
+    template <typename T, typename = detail::IfNotAny<T>, typename = detail::IfAnyValue<T>>
+    Any(T&& value) : m_value(detail::AnyStored<T>(std::forward<T>(value))) {}
     Any(const Any&) = default;
     Any(Any&&) noexcept = default;
 
@@ -62,65 +52,84 @@ public:
         boost::any(std::move(other.m_value)).swap(m_value);
         return *this;
     }
-    /// As the constructor; nothing changes when the copy fails.
-    template <typename T, typename = IfValue<T>>
+    /// Stores a copy of `value`, like the constructor; changes nothing if copying fails.
+    template <typename T, typename = detail::IfNotAny<T>, typename = detail::IfAnyValue<T>>
     Any& operator=(T&& value) {
         return *this = Any(std::forward<T>(value));
     }
     ~Any() = default;
 
-    /// Whether there is no value.
+    /// Returns whether there is no value.
     bool Empty() const { return m_value.empty(); }
-    /// Whether the value is one of the eight arrays.
+    /// Returns whether the value is one of the eight arrays.
     bool IsArray() const;
-    /// The number of elements of an array, 1 for everything else, no value too. "Invalid value
-    /// type" when there is no memory for the copy that it makes.
+    /// Returns the number of elements of an array, and 1 for everything else, even if empty. Throws
+    /// "Invalid value type" if memory for a copy of the array runs out.
     std::size_t Size() const;
-    /// The holder of the value, for any_cast; changes with this object.
+    /// Returns the underlying object, for boost::any_cast. It changes with this Any.
     const boost::any& Value() const { return m_value; }
 
-    /// A copy of the value. "Invalid value type" when it is not exactly a `T`, and for whatever
-    /// copying it throws.
+    /// Returns a copy of the value. Throws "Invalid value type" if the value is not exactly a `T`,
+    /// or if copying it throws anything at all.
     template <typename T>
-    T Get() const {
-        try {
-            return boost::any_cast<T>(m_value);
-        } catch (...) {
-            // The end of a thread, which must not be stopped, comes here without an exception.
-            if (std::current_exception() == nullptr) {
-                throw;
-            }
-            throw Exception("Invalid value type", true);
-        }
-    }
+    T Get() const;
 
-    /// Writes the value as the stream's settings have it; the elements of an array with a comma
-    /// between them. "Unsupported value type" and nothing written when it is neither scalar nor
-    /// array; "Invalid value type" as Size().
+    /// Prints the value with the settings of `os`, and the elements of an array with commas between
+    /// them. Throws "Unsupported value type", and prints nothing, if the type is not supported or
+    /// there is no value; throws "Invalid value type" like Size().
     void Print(std::ostream& os) const;
-    /// Writes a held std::vector<T> as Print() does; throws as Get().
+    /// Prints a stored std::vector<T> like Print(), for any `T` with an operator<<. Throws like
+    /// Get().
     template <typename T>
-    void PrintArray(std::ostream& os) const {
-        const auto values = Get<std::vector<T>>();
-        for (auto value = values.begin(); value != values.end(); ++value) {
-            if (value != values.begin()) {
-                os << ",";
-            }
-            os << static_cast<const T&>(*value);
-        }
-    }
+    void PrintArray(std::ostream& os) const;
 
-    /// Print(). A friend, so that no other type is printed by way of Any.
     friend std::ostream& operator<<(std::ostream& os, const Any& value);
 
 private:
     boost::any m_value;
 };
 
-extern template std::vector<unsigned long long> Any::Get<std::vector<unsigned long long>>() const;
-extern template std::vector<double> Any::Get<std::vector<double>>() const;
-extern template std::vector<float> Any::Get<std::vector<float>>() const;
-extern template std::vector<std::string> Any::Get<std::vector<std::string>>() const;
+/// Calls `value.Print(os)`. Takes an Any and nothing that converts to one: other types must not
+/// become printable through it.
+template <typename T, typename = std::enable_if_t<std::is_same_v<T, Any>>>
+std::ostream& operator<<(std::ostream& os, const T& value) {
+    value.Print(os);
+    return os;
+}
+
+template <typename T>
+T Any::Get() const {
+    try {
+        return boost::any_cast<T>(m_value);
+    } catch (...) {
+        // A thread that is being ended arrives here without an exception, and must not be stopped.
+        if (std::current_exception() == nullptr) {
+            throw;
+        }
+        throw Exception("Invalid value type", true);
+    }
+}
+
+template <typename T>
+inline void Any::PrintArray(std::ostream& os) const {
+    const auto values = Get<std::vector<T>>();
+    for (auto value = values.begin(); value != values.end(); ++value) {
+        if (value != values.begin()) {
+            os << ",";
+        }
+        os << static_cast<const T&>(*value);
+    }
+}
+
+// In the library, so that "** in: " can name them when they throw there.
+extern template std::vector<bool> Any::Get() const;
+extern template std::vector<int> Any::Get() const;
+extern template std::vector<unsigned int> Any::Get() const;
+extern template std::vector<long long> Any::Get() const;
+extern template std::vector<unsigned long long> Any::Get() const;
+extern template std::vector<double> Any::Get() const;
+extern template std::vector<float> Any::Get() const;
+extern template std::vector<std::string> Any::Get() const;
 extern template void Any::PrintArray<bool>(std::ostream& os) const;
 
 }  // namespace quor
