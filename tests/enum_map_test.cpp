@@ -10,12 +10,12 @@ using quor::EnumRow;
 
 namespace {
 
-enum class Color { eRed = -1, eBlue = 7 };
+enum class Color : long long { eRed = -1, eBlue = 7 };
 constexpr EnumRow<Color> c_colors[] = {{Color::eRed, "red"}, {Color::eBlue, "blue"}};
 
 }  // namespace
 
-template <>  // NOLINTNEXTLINE(readability-identifier-naming)
+template <>
 const BiMap<Color> quor::EnumMap<Color>::items{c_colors};
 
 namespace {
@@ -43,8 +43,10 @@ TEST(EnumMap, LooksUpValuesAndNamesExactly) {
         EXPECT_STREQ(Thrown([&] { Levels::ToValue(name); }).c_str(),
                      ("no enumeration value has the name \"" + name + "\"").c_str());
     }
-    EXPECT_EQ(Thrown([] { Levels::ToName(5); }), "no name for the enumeration value 5");
-    EXPECT_EQ(Thrown([] { Colors::ToName(Color{-2}); }), "no name for the enumeration value -2");
+    const std::string miss = "no name for the enumeration value ";
+    EXPECT_EQ(Thrown([] { Levels::ToName(5); }), miss + "5");
+    EXPECT_EQ(Thrown([] { Levels::ToName(0x1'0000'0001); }), miss + "4294967297");
+    EXPECT_EQ(Thrown([] { Colors::ToName(Color{-0x1'0000'0002}); }), miss + "-4294967298");
 }
 
 TEST(BiMap, KeepsFirstRowsAndRefusesTwoNamesOfAValueOrTwoValuesOfAName) {

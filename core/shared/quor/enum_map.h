@@ -8,43 +8,44 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <type_traits>
 
 namespace quor {
 
 /// Orders names by their bytes.
 struct BimapStrCmp {
-    /// Neither may be null.
+    /// Neither name may be null.
     bool operator()(const char* left, const char* right) const {
         return std::strcmp(left, right) < 0;
     }
 };
 
-/// One row of an enumeration's description table.
+/// Pairs a value with its name, as one row of a description table.
 template <typename E>
 struct EnumRow {
     E value;           ///< one value of the enumeration
     const char* name;  ///< its name, not copied
 };
 
-/// The values and names of an enumeration `E`, looked up either way; built once, then only read.
+/// Holds the values and names of an enumeration `E`, for look-ups in both directions.
 ///
-/// A value or a name that comes twice keeps its first row. Names are not copied: they must live as
-/// long as the table, and none may be null. Constant, so any thread may read it.
+/// The caller must ensure that no name is null and that all names outlive the table: they are not
+/// copied. If a value or a name occurs twice, its first row wins. Any thread may read a table.
 template <typename E>
 class BiMap {
 public:
-    /// Throws Exception "invalid enum description table" when there are more names than values, or
-    /// fewer: one value with two names, or one name for two values.
+    /// Throws Exception "invalid enum description table" if there are more names than values, or
+    /// fewer: a value has two names, or a name two values.
     template <std::size_t Size>
     explicit BiMap(const EnumRow<E> (&table)[Size]) : BiMap(table, Size) {}
     BiMap(const BiMap&) = delete;
     BiMap& operator=(const BiMap&) = delete;
 
-    /// The pairs in the order of their values.
+    /// Returns the pairs ordered by value.
     const std::map<const E, const char*>& ValueToName() const { return m_valueToName; }
-    /// The pairs in the order of their names.
+    /// Returns the pairs ordered by name.
     const std::map<const char*, E, BimapStrCmp>& NameToValue() const { return m_nameToValue; }
-    /// The pairs of ValueToName(), each value as `int`.
+    /// Returns the pairs ordered by value, each value converted to `int`.
     const std::map<const int, const char*>& IntToName() const { return m_intToName; }
 
 private:
@@ -66,42 +67,60 @@ private:
     std::map<const int, const char*> m_intToName;
 };
 
-/// The look-ups of one enumeration. The library holds the table of TraceLevel_e; a host defines its
-/// own in one source file, outside all namespaces, and declares it (the last two lines, without the
-/// braces) in the header of the enumeration when other files use it too:
+/// Converts between the values and the names of an enumeration `E`.
+///
+///     using Levels = quor::EnumMap<quor::TraceLevel_e>;
+///     std::cout << Levels::ToName(quor::Low) << '\n';
+///     quor::TraceFile::GetInstance().SetLevel(Levels::ToValue("Detail"));
+///
+/// The library defines the table of TraceLevel_e. For an enumeration of your own, define `items` in
+/// one source file, outside all namespaces. If other files use it, declare it (the last two lines
+/// without the braces) in the header of the enumeration:
 ///
 ///     const quor::EnumRow<Color> c_colors[] = {{Red, "red"}, {Blue, "blue"}};
 ///     template <>
 ///     const quor::BiMap<Color> quor::EnumMap<Color>::items{c_colors};
 ///
-/// A faulty table ends the process as it is loaded. Names match exactly. A look-up that finds
-/// nothing throws Exception, which says what was not found. Any thread.
+/// Names must match exactly. A look-up that fails throws an Exception that quotes what was asked
+/// for. A faulty table ends the process while it is loaded. Safe to call from any thread.
 template <typename E>
 class EnumMap {
 public:
-    /// The table, defined by whoever has the enumeration.
-    static const BiMap<E> items;  // NOLINT(readability-identifier-naming)
+    /// The table, defined along with the enumeration.
+    static const BiMap<E> items;
 
-    /// The name of a value; lives as long as the table.
+    /// Returns the name of `value`. It lives as long as the table.
     static const char* ToName(E value) {
         const auto found = items.ValueToName().find(value);
         if (found == items.ValueToName().end()) {
-            throw Exception(TextOfMiss(static_cast<int>(value)), true);
+            const auto number = static_cast<std::underlying_type_t<E>>(value);
+            throw Exception(TextOfMiss(std::to_string(number)), true);
         }
         return found->second;
     }
-    /// The same for a value that is a plain number.
+    /// Returns the name of the value that converts to the `int` `value`; a number that no `int` can
+    /// hold has none.
+    /// @{
     static const char* ToName(int value) {
         const auto found = items.IntToName().find(value);
         if (found == items.IntToName().end()) {
-            throw Exception(TextOfMiss(value), true);
+            throw Exception(TextOfMiss(std::to_string(value)), true);
         }
         return found->second;
     }
-    /// The value of a name.
+    template <typename Number, typename = std::enable_if_t<std::is_integral_v<Number>>>
+    static const char* ToName(Number value) {
+        const std::string number = std::to_string(value);
+        if (number != std::to_string(static_cast<int>(value))) {
+            throw Exception(TextOfMiss(number), true);
+        }
+        return ToName(static_cast<int>(value));
+    }
+    /// @}
+    /// Returns the value of `name`.
     static E ToValue(const std::string& name) {
         const auto found = items.NameToValue().find(name.c_str());
-        // A name with a NUL in it equals none, but its beginning might.
+        // No entry contains a NUL, but the part of `name` before one may match.
         if (found == items.NameToValue().end() || name != found->first) {
             throw Exception("no enumeration value has the name \"" + name + "\"", true);
         }
@@ -109,14 +128,14 @@ public:
     }
 
 private:
-    static std::string TextOfMiss(int value) {
-        return "no name for the enumeration value " + std::to_string(value);
+    static std::string TextOfMiss(const std::string& number) {
+        return "no name for the enumeration value " + number;
     }
 };
 
-/// "Off", "Low", "Medium", "High", "Detail".
+/// The names "Off", "Low", "Medium", "High", "Detail".
 template <>
-const BiMap<TraceLevel_e> EnumMap<TraceLevel_e>::items;  // NOLINT(readability-identifier-naming)
+const BiMap<TraceLevel_e> EnumMap<TraceLevel_e>::items;
 
 extern template class BiMap<TraceLevel_e>;
 extern template class EnumMap<TraceLevel_e>;
