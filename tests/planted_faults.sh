@@ -38,9 +38,9 @@ log.cpp|<quor/novelty.h>|quor/novelty.h, which has no layer
 novelty.cpp|<quor/time.h>|module novelty has no layer
 ROWS
 
-# Exports: one symbol too many, one too few, a variable that the library does not look up
-sed 1d tests/exported_symbols.txt >"$work/list"
-fails_with "+$(head -n 1 tests/exported_symbols.txt)" scripts/check-exports "$library" "$work/list"
+# Exports: one symbol too many (an instance), one too few, a variable that the library does not look up
+grep -v 'SpecificPtrHolder<bool>::Clone' tests/exported_symbols.txt >"$work/list"
+fails_with '+quor::AnyReference::SpecificPtrHolder<bool>::Clone() const' scripts/check-exports "$library" "$work/list"
 { cat tests/exported_symbols.txt; echo 'quor::~'; } >"$work/list"
 fails_with '-quor::~' scripts/check-exports "$library" "$work/list"
 echo 'int g_number; int Number() { return g_number; }' >"$work/number.cpp"
