@@ -1,7 +1,6 @@
 #ifndef QUOR_ENUM_MAP_H
 #define QUOR_ENUM_MAP_H
 
-#include <quor/exception.h>
 #include <quor/trace_level.h>
 
 #include <cstddef>
@@ -49,18 +48,7 @@ public:
     const std::map<const int, const char*>& IntToName() const { return m_intToName; }
 
 private:
-    BiMap(const EnumRow<E>* table, std::size_t size) {
-        for (std::size_t row = 0; row < size; ++row) {
-            m_valueToName.insert({table[row].value, table[row].name});
-        }
-        for (std::size_t row = 0; row < size; ++row) {
-            m_nameToValue.insert({table[row].name, table[row].value});
-            m_intToName.insert({static_cast<int>(table[row].value), table[row].name});
-        }
-        if (m_nameToValue.size() != m_valueToName.size()) {
-            throw Exception("invalid enum description table", true);
-        }
-    }
+    BiMap(const EnumRow<E>* table, std::size_t size);
 
     std::map<const E, const char*> m_valueToName;
     std::map<const char*, E, BimapStrCmp> m_nameToValue;
@@ -90,56 +78,24 @@ public:
     static const BiMap<E> items;
 
     /// Returns the name of `value`. It lives as long as the table.
-    static const char* ToName(E value) {
-        const auto found = items.ValueToName().find(value);
-        if (found == items.ValueToName().end()) {
-            const auto number = static_cast<std::underlying_type_t<E>>(value);
-            throw Exception(TextOfMiss(std::to_string(number)), true);
-        }
-        return found->second;
-    }
+    static const char* ToName(E value);
     /// Returns the name of the value that converts to the `int` `value`; a number that no `int` can
     /// hold has none.
     /// @{
-    static const char* ToName(int value) {
-        const auto found = items.IntToName().find(value);
-        if (found == items.IntToName().end()) {
-            throw Exception(TextOfMiss(std::to_string(value)), true);
-        }
-        return found->second;
-    }
+    static const char* ToName(int value);
     template <typename Number, typename = std::enable_if_t<std::is_integral_v<Number>>>
-    static const char* ToName(Number value) {
-        const std::string number = std::to_string(value);
-        if (number != std::to_string(static_cast<int>(value))) {
-            throw Exception(TextOfMiss(number), true);
-        }
-        return ToName(static_cast<int>(value));
-    }
+    static const char* ToName(Number value);
     /// @}
     /// Returns the value of `name`.
-    static E ToValue(const std::string& name) {
-        const auto found = items.NameToValue().find(name.c_str());
-        // No entry contains a NUL, but the part of `name` before one may match.
-        if (found == items.NameToValue().end() || name != found->first) {
-            throw Exception("no enumeration value has the name \"" + name + "\"", true);
-        }
-        return found->second;
-    }
-
-private:
-    static std::string TextOfMiss(const std::string& number) {
-        return "no name for the enumeration value " + number;
-    }
+    static E ToValue(const std::string& name);
 };
 
 /// The names "Off", "Low", "Medium", "High", "Detail".
 template <>
 const BiMap<TraceLevel_e> EnumMap<TraceLevel_e>::items;
 
-extern template class BiMap<TraceLevel_e>;
-extern template class EnumMap<TraceLevel_e>;
-
 }  // namespace quor
+
+#include <quor/detail/enum_map_lookup.h>
 
 #endif

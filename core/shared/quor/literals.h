@@ -5,25 +5,28 @@
 
 namespace quor {
 
-/// One row of a table that pairs numbers with texts. The table ends with a row without a text:
+/// Pairs a number with a text, as one row of a table. A row without a text ends the table:
 ///
 ///     const quor::Literal_t c_modes[] = {{0, "idle"}, {1, "drain"}, {0, nullptr}};
+///     quor::TextualToNumeric(c_modes, "drain");  // 1
 ///
-/// Rows are searched from the first on, and the first match wins. Numbers are compared for
-/// equality, texts exactly, without trimming or folding of case. Nothing is copied: results point
-/// into the table. Tables are only read, so any thread may use them.
+/// The functions search from the first row and return the first match. Texts must match exactly,
+/// including case and blanks. Results point into the table; nothing is copied. Any number of
+/// threads may read a table.
 struct Literal_t {
     int numeric;          ///< the number
     const char* textual;  ///< the text, not copied; null in the row that ends the table
 };
 
-/// The text of `value`. Throws Exception "Unable to convert literal to text." when there is none.
+/// Returns the text of `value`. Throws Exception "Unable to convert literal to text." if there is
+/// none.
 const char* NumericToTextual(const Literal_t* table, int value);
-/// The number of `text`. Throws Exception "Unable to convert text to literal." when there is none.
+/// Returns the number of `text`. Throws Exception "Unable to convert text to literal." if there is
+/// none.
 int TextualToNumeric(const Literal_t* table, const std::string& text);
 
-/// The same for what the program itself guarantees to be in the table: a miss is reported through
-/// LoggedAssert() and ends the process.
+/// Do the same for an entry that the program itself guarantees to exist. If it is missing they
+/// report that through LoggedAssert() and end the process.
 /// @{
 const char* NumericToTextualAssert(const Literal_t* table, int value);
 int TextualToNumericAssert(const Literal_t* table, const std::string& text);

@@ -5,7 +5,7 @@
 
 namespace quor {
 
-/// Times a repeated activity, such as the passes of a loop:
+/// Times a repeated activity, such as the passes of a loop.
 ///
 ///     quor::StopWatch watch;
 ///     watch.Start();
@@ -13,34 +13,40 @@ namespace quor {
 ///     watch.Stop();
 ///     std::cout << watch.m_loops << " passes, longest " << watch.m_maxLoop << '\n';
 ///
-/// The statistics are read from the members, and keep their values after Stop() until the next
-/// Start(). Durations come from the real-time clock: one over which the clock was set back is 0.
-/// Until the first Start() they hold the time of construction as a time of day in UTC; after that
-/// they carry form 3 of Time.
+/// Read the statistics from the members. They keep their values after Stop() until the next
+/// Start(); m_averageLoop keeps its value until the next Stop().
 ///
-/// Nothing is locked and nothing throws: a watch belongs to the thread that drives it.
+/// Durations are differences of the real-time clock. If it is set back, a span that would be
+/// negative counts as zero: the passes then need not add up to m_total.
+///
+/// After Start() all times but m_averageLoop print in form 3 of Time, a local time of day;
+/// m_averageLoop does so after Stop(). Until then durations hold the time of construction, in UTC.
+///
+/// The caller must ensure that only one thread uses a watch at a time. Nothing throws.
 class StopWatch {
 public:
     StopWatch();
 
-    /// Begins a measurement, anew when one is running. The average keeps its last value.
+    /// Begins a measurement, or begins it again if one is running. Resets everything but the
+    /// average.
     void Start();
-    /// Ends a pass and begins the next. On a stopped watch it is Start(): no pass is counted.
+    /// Ends a pass and begins the next one. Starts a stopped watch instead, and counts no pass.
     void NextLoop();
-    /// Ends the last pass, which counts as one, and the measurement. Does nothing on a stopped
-    /// watch.
+    /// Ends the last pass, which is counted, and the measurement. Does nothing if the watch is
+    /// stopped.
     void Stop();
 
-    Time m_start;                ///< when Start() was called
+    Time m_start;                ///< when Start() was called; zero before
     Time m_total;                ///< from Start() to Stop(); set by Stop()
-    Time m_loopStart;            ///< when the current pass began
+    Time m_loopStart;            ///< when the current pass began; zero before Start()
     Time m_lastLoop;             ///< duration of the latest pass
-    bool m_running;              ///< between Start() and Stop()
+    bool m_running;              ///< whether a measurement is running
     unsigned long long m_loops;  ///< passes since Start()
-    Time m_minLoop;              ///< shortest pass; 4294967295 s while there is none
+    Time m_minLoop;              ///< shortest pass; 4294967295 s if there is none yet
     Time m_maxLoop;              ///< longest pass
-    /// The total divided by the low 32 bits of the passes (0 s when these are 0), or the total
-    /// itself when no pass began later than the measurement. Set by Stop().
+    /// The total divided by the low 32 bits of m_loops, or 0 s if these are 0. If the last pass
+    /// began at the same clock reading as the measurement, it is the total itself, and so are the
+    /// latest, the shortest and the longest pass.
     Time m_averageLoop;
 };
 
