@@ -5,6 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 check=$PWD/scripts/check-format
 work=$(mktemp -d)
+(setsid scripts/guard $$ "$work" >/dev/null 2>&1 &)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/spool"
 ln -s nowhere "$work/spool/missing" # throws, which dumps the stack

@@ -23,6 +23,14 @@ fails_with() { # fails_with TEXT COMMAND...
     fi
 }
 
+# The guard: a script that is killed leaves neither its daemon nor its folder. The pipe ends with both.
+mkdir "$work/run"
+mkfifo "$work/end"
+bash -c '(setsid scripts/guard $$ "$0" >"$1" &); cd "$0"; (setsid sleep 600 >"$1" &); kill -KILL $$' \
+    "$work/run" "$work/end" &
+cat "$work/end"
+[ ! -e "$work/run" ] || { echo "not removed: a folder under guard"; failed=1; }
+
 # Layers: FILE INCLUDE EXPECTED
 while IFS='|' read -r file include expected; do
     rm -rf "$work/quor"

@@ -4,8 +4,9 @@
 set -euo pipefail
 command -v logrotate >/dev/null || PATH=$PATH:/usr/sbin
 folder=$(mktemp -d)
+(setsid "$(dirname "$0")/../scripts/guard" $$ "$folder" >/dev/null 2>&1 &)
 trap 'kill "$host" 2>/dev/null || true; rm -rf "$folder"' EXIT
-exec {answers}< <(exec "$1" "$folder" 5)
+exec {answers}< <(cd "$folder" && exec "$1" "$folder" 5)
 host=$!
 sed -e "s|/var/log/spoold|$folder|g; s|systemctl kill .*|kill -HUP $host|; s|weekly|size 1|" "$2" >"$folder/conf"
 await() {

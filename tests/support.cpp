@@ -84,6 +84,19 @@ namespace quor_test {
 
 namespace fs = std::filesystem;
 
+// One folder for the whole run, which a guard removes, along with the daemons in it, if nothing
+// else does. Death tests start this program again, within the run.
+static const int c_guarded = [] {
+    if (std::getenv("QUOR_GUARDED") != nullptr) {
+        return 0;
+    }
+    std::string folder = fs::temp_directory_path() / "quor.XXXXXX";
+    setenv("TMPDIR", mkdtemp(folder.data()), 1);
+    setenv("QUOR_GUARDED", "yes", 1);
+    const std::string guard = "setsid " QUOR_TEST_GUARD " " + std::to_string(getpid());
+    return std::system((guard + " " + folder + " >/dev/null 2>&1 &").c_str());
+}();
+
 // What the file held when it was opened: a writer may be faster than any reader.
 std::string ReadFile(const std::string& name) {
     std::ifstream file(name, std::ios::binary | std::ios::ate);
