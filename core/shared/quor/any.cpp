@@ -70,6 +70,7 @@ void Any::Print(std::ostream& os) const {
     }
 }
 
+// Only in the binary interface. Sources use the template of the header, to which nothing converts.
 std::ostream& operator<<(std::ostream& os, const Any& value) {
     value.Print(os);
     return os;

@@ -82,15 +82,13 @@ public:
     template <typename T>
     void PrintArray(std::ostream& os) const;
 
-    friend std::ostream& operator<<(std::ostream& os, const Any& value);
-
 private:
     boost::any m_value;
 };
 
-/// Calls `value.Print(os)`. Takes an Any and nothing that converts to one: other types must not
-/// become printable through it.
-template <typename T, typename = std::enable_if_t<std::is_same_v<T, Any>>>
+/// Calls `value.Print(os)`. Does not accept what merely converts to an Any: no other type becomes
+/// printable through it.
+template <typename T, typename = std::enable_if_t<std::is_base_of_v<Any, T>>>
 std::ostream& operator<<(std::ostream& os, const T& value) {
     value.Print(os);
     return os;
