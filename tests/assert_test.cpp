@@ -8,19 +8,30 @@
 #include <algorithm>
 #include <filesystem>
 #include <sstream>
+#include <streambuf>
 #include <thread>
 
-// The library's code once more, for a folder of the test.
-#define LoggedAssert LoggedAssertInReports
-#undef QUOR_ASSERT_DIRECTORY
-#define QUOR_ASSERT_DIRECTORY "reports"
-#include "../core/shared/quor/assert.cpp"  // NOLINT(bugprone-suspicious-include)
-#undef LoggedAssert
+static quor_test::Pipe* g_parent = nullptr;  // is told of the last steps, which nobody waits for
+
+static void Tell(long step) {
+    if (g_parent != nullptr) {
+        g_parent->Send(step);
+    }
+}
+
+extern "C" void sync() noexcept {
+    Tell(-1);
+}
+
+extern "C" int nanosleep(const timespec* pause, timespec* /*left*/) {
+    Tell(pause->tv_sec * 1'000'000'000 + pause->tv_nsec);
+    return 0;
+}
 
 namespace quor_test {
 
 // Fails deep in the stack, where the compiler expects neither a loop nor a jump nor the end.
-void (*volatile g_assert)(const char*, int, const char*, const char*) = quor::LoggedAssertInReports;
+void (*volatile g_assert)(const char*, int, const char*, const char*) = quor::LoggedAssert;
 __attribute__((noinline)) void Fail(int depth) {
     if (depth > 0) {
         Fail(depth - 1);
@@ -43,7 +54,7 @@ std::string MaskedStack(const std::string& file) {
     return text;
 }
 
-std::string Expected(const std::string& before, const std::string& after) {
+std::string Expected(const std::string& before) {
     std::string text =
         before +
         "\n*** Please use this output when reporting a bug.\n\n*** ASSERTION FAILURE: "
@@ -51,23 +62,46 @@ std::string Expected(const std::string& before, const std::string& after) {
     for (int index = 0; index < 64; ++index) {
         text += std::to_string(index) + ". #\n";
     }
-    return text + after;
+    return text + "\n";
 }
 
-TEST(LoggedAssertDeathTest, ReportsToItsFileOrStandardErrorAndToTraceAndLogThenAborts) {
+// Where std::cout goes: text is refused, and nobody reads what is still to be flushed.
+struct StuckBuffer : std::streambuf {
+    int sync() override { return pause(); }
+};
+
+enum Host { c_reporting, c_silent, c_withoutLogFile, c_onAFullDisk, c_unheard };
+
+void Become(Host host) {
+    quor::TraceFile::Init("trace.log", "");
+    quor::TraceFile::GetInstance().SetPrintLine(false);
+    quor::TraceFile::GetInstance().SetPrintFile(true);
+    quor::TraceFile::GetInstance().Start(host == c_reporting ? quor::Low : quor::Off);
+    quor::Log::Init(host == c_reporting ? "app.log" : "");
+    quor::Log::m_enabled = host == c_reporting || host == c_withoutLogFile;
+    g_hooks.diskFull = host == c_onAFullDisk;
+    if (host == c_unheard) {  // standard error is a pipe without a reader
+        int ends[2];
+        Pipe::Check(pipe(ends) == 0 && dup2(ends[1], STDERR_FILENO) != -1 && close(ends[0]) == 0);
+        signal(SIGPIPE, SIG_DFL);
+    }
+    const std::ios_base::iostate bad = std::ios_base::badbit;
+    host == c_onAFullDisk ? std::cerr.exceptions(bad) : std::cerr.setstate(bad);
+    static StuckBuffer stuck;
+    std::cout.rdbuf(&stuck);
+    std::cout.exceptions(bad);
+}
+
+TEST(LoggedAssertDeathTest, TakesEveryStepWhateverTheOthersMeetThenAborts) {
     for (const bool hasFolder : {true, false}) {
-        for (const bool silent : {true, false}) {
+        for (const Host kind :
+             {c_reporting, c_silent, c_withoutLogFile, c_onAFullDisk, c_unheard}) {
             const Folder folder;
             std::filesystem::create_directory(hasFolder ? "reports" : "other");
-            Child host([silent](Pipe& parent) {
+            Child host([kind](Pipe& parent) {
                 const Redirected standardError(STDERR_FILENO, "errors");
-                quor::TraceFile::Init("trace.log", "");
-                quor::TraceFile::GetInstance().SetPrintLine(false);
-                quor::TraceFile::GetInstance().SetPrintFile(true);
-                quor::TraceFile::GetInstance().Start(silent ? quor::Off : quor::Low);
-                quor::Log::Init("app.log");
-                quor::Log::m_enabled = !silent;
-                std::cerr.setstate(std::ios_base::badbit);  // from an earlier failure
+                Become(kind);
+                g_parent = &parent;
                 std::thread([&parent] {
                     parent.Send(quor::GetPid());
                     parent.Send(quor::GetTid());
@@ -77,21 +111,48 @@ TEST(LoggedAssertDeathTest, ReportsToItsFileOrStandardErrorAndToTraceAndLogThenA
             const auto process = std::to_string(host.Receive<pid_t>());
             const auto thread = std::to_string(host.Receive<pid_t>());
             const std::string report = "reports/assert_" + process + "_" + thread + ".log";
+            EXPECT_EQ(host.Receive<long>(), -1);
+            EXPECT_EQ(host.Receive<long>(), 200'000'000);
             EXPECT_EQ(host.Exit(), -SIGABRT);
-            EXPECT_EQ(MaskedStack(report), hasFolder ? Expected("", "\n") : "");
-            EXPECT_EQ(MaskedStack("errors"), hasFolder
-                                                 ? "** Logged assert to file: " + report + "\n"
-                                                 : Expected("", "\n"));
-            const std::string moved =
-                hasFolder ? "[#: #] assert: Assert message logged to: " + report + "\n" : "";
-            EXPECT_EQ(MaskedStack("trace.log"),
-                      silent ? ""
-                             : TraceOpening("started") + moved + Expected("[#: #] log: ", "\n") +
-                                   Expected("[#: #] log: Critical: ", "\n"));
+            const bool logs = kind == c_reporting;
+            const bool inFile = hasFolder && kind != c_onAFullDisk;
+            const std::string moved = "** Logged assert to file: " + report + "\n";
+            EXPECT_EQ(MaskedStack(report), inFile ? Expected("") : "") << kind;
+            EXPECT_EQ(MaskedStack("errors"), kind == c_unheard ? ""
+                                             : inFile          ? moved
+                                                               : Expected(""))
+                << kind;
+            const std::string traced =
+                TraceOpening("started") +
+                (inFile ? "[#: #] assert: Assert message logged to: " + report + "\n" : "") +
+                Expected("[#: #] log: ") + Expected("[#: #] log: Critical: ");
+            EXPECT_EQ(MaskedStack("trace.log"), logs ? traced : "") << kind;
             const std::string log = MaskedStack("app.log");
-            const std::size_t message = log.find("[#] Critical: ");
-            EXPECT_EQ(log.substr(std::min(message, log.size())),
-                      silent ? "" : Expected("[#] Critical: ", "\n"));
+            EXPECT_EQ(log.substr(std::min(log.find("[#] Critical: "), log.size())),
+                      logs ? Expected("[#] Critical: ") : "")
+                << kind;
+        }
+    }
+}
+
+TEST(LoggedAssertDeathTest, NamesTheFailureHoweverLittleMemoryIsLeft) {
+    for (const bool hasFolder : {true, false}) {
+        bool logged = false;
+        for (int allocations = 0; !logged; ++allocations) {
+            const Folder folder;
+            std::filesystem::create_directory(hasFolder ? "reports" : "other");
+            Child host([allocations](Pipe&) {
+                const Redirected standardError(STDERR_FILENO, "errors");
+                Become(c_reporting);
+                Hooks::allocations = allocations;
+                Fail(0);
+            });
+            const std::string id = std::to_string(host.pid);
+            EXPECT_EQ(host.Exit(), -SIGABRT);
+            EXPECT_THAT(ReadFile("reports/assert_" + id + "_" + id + ".log") + ReadFile("errors"),
+                        testing::AllOf(testing::HasSubstr("*** ASSERTION FAILURE: spool.cpp:52"),
+                                       testing::HasSubstr("\n*** REASON: queue not empty\n")));
+            logged = ReadFile("app.log").find("queue not empty") != std::string::npos;
         }
     }
 }
