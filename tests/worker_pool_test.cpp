@@ -87,9 +87,16 @@ TEST(WorkerPool, TerminateAllTakesAlongWhatAppearsWhileItRuns) {
 }
 
 TEST(WorkerPool, FailingFactoryLeavesThePoolAsItWasAndLiveWorkersOutliveIt) {
+    static Pool* pool = nullptr;
+    struct Caller : Worker {
+        using Worker::Worker;
+        ~Caller() override { pool->Terminate("b"); }
+    };
     const ThreadTap trace;
-    auto* pool = new Pool([](const std::string& name) {
-        return name == "throw" ? throw 1 : new Worker("a", nullptr);
+    pool = new Pool([](const std::string& name) {
+        return name == "throw" ? throw 1
+               : name == "b"   ? new Caller("a", nullptr)
+                               : new Worker("a", nullptr);
     });
     EXPECT_THROW(pool->GetWorker("throw"), int);
     EXPECT_THROW(pool->GetWorker("b"), quor::Exception);  // since it gets an "a"
@@ -121,13 +128,23 @@ TEST(WorkerPool, TerminatesByANameThatGoesWithTheWorker) {
 }
 
 TEST(WorkerPool, OnlyOneOfSeveralTerminationsOfANameActs) {
-    Pool pool(WaitForStop);
-    for (int round = 1; round <= 500; ++round) {
-        pool.GetWorker("a")->Start();
+    std::atomic<int> started{0};
+    Pool pool([&started](Worker& worker) {
+        ++started;
+        WaitForStop(worker);
+    });
+    for (int round = 1; round <= 300; ++round) {
+        quor::WorkerThread* const worker = pool.GetWorker("a");
         std::vector<std::thread> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back([&pool] { pool.Terminate("a"); });
+        for (int thread = 0; thread < 3; ++thread) {
+            threads.emplace_back([&] {
+                while (started != round) {  // which may be before Start() returns
+                    std::this_thread::yield();
+                }
+                pool.Terminate("a");
+            });
         }
+        worker->Start();
         for (std::thread& thread : threads) {
             thread.join();
         }

@@ -20,12 +20,13 @@ WorkerPool::~WorkerPool() {
 }
 
 WorkerThread* WorkerPool::GetWorker(const std::string& name) {
+    std::unique_ptr<WorkerThread> worker;  // deleted after the unlock: it may call this pool then
     const std::lock_guard<std::mutex> lock(m_mutex);
     const auto found = m_workers.find(name);
     if (found != m_workers.end() && found->second != nullptr) {
         return found->second;
     }
-    std::unique_ptr<WorkerThread> worker(CreateWorker(name));
+    worker.reset(CreateWorker(name));
     if (worker == nullptr) {
         return nullptr;
     }
@@ -69,7 +70,7 @@ void WorkerPool::Terminate(const std::string& name) {
         return;
     }
     try {
-        if (worker->m_thread.joinable()) {
+        if (worker->IsJoinable()) {
             worker->Stop();
             worker->m_thread.join();
         }

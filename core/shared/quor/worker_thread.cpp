@@ -1,6 +1,10 @@
 #include <quor/worker_thread.h>
 
 #include <quor/exception.h>
+#include <quor/internal/cancellation_off.h>
+#include <quor/internal/guarded_call.h>
+#include <quor/internal/wall_clock_wait.h>
+#include <quor/internal/worker_warning.h>
 #include <quor/trace.h>
 #include <quor/worker_pool.h>
 
@@ -8,37 +12,36 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
-#include <exception>
 #include <functional>
 #include <limits>
 
 namespace quor {
 namespace {
 
-using Clock = std::chrono::system_clock;
+using internal::WallClock;
 
 constexpr const char* c_file = "worker_thread";
 
 // The last moment that both the clock and the kernel's interface can express.
-Clock::time_point LastMoment() {
+WallClock::time_point LastMoment() {
     using Seconds = std::chrono::duration<std::int64_t>;
     constexpr Seconds c_lastOfClock =
-        std::chrono::duration_cast<Seconds>(Clock::duration::max()) - Seconds(1);
+        std::chrono::duration_cast<Seconds>(WallClock::duration::max()) - Seconds(1);
     constexpr Seconds c_lastOfKernel(std::numeric_limits<std::time_t>::max());
-    return Clock::time_point(std::min(c_lastOfClock, c_lastOfKernel));
+    return WallClock::time_point(std::min(c_lastOfClock, c_lastOfKernel));
 }
 
 // Longer waits than can be expressed last as long as can be.
-Clock::time_point Deadline(std::uint64_t seconds, std::uint64_t nanoseconds) {
+WallClock::time_point Deadline(std::uint64_t seconds, std::uint64_t nanoseconds) {
     constexpr std::uint64_t c_nanosecondsPerSecond = 1'000'000'000;
-    const Clock::time_point now = Clock::now();
+    const WallClock::time_point now = WallClock::now();
     const auto longest = std::chrono::nanoseconds(LastMoment() - now).count();
     const std::uint64_t limit = longest > 0 ? static_cast<std::uint64_t>(longest) : 0;
     if (seconds > limit / c_nanosecondsPerSecond ||
         nanoseconds > limit - seconds * c_nanosecondsPerSecond) {
         return LastMoment();
     }
-    return now + std::chrono::duration_cast<Clock::duration>(
+    return now + std::chrono::duration_cast<WallClock::duration>(
                      std::chrono::nanoseconds(seconds * c_nanosecondsPerSecond + nanoseconds));
 }
 
@@ -51,9 +54,17 @@ WorkerThread::WorkerThread(const std::string& name)
 }
 
 WorkerThread::~WorkerThread() {
+    const internal::CancellationOff cancellationOff;
     const TraceFnc fnc("virtual quor::WorkerThread::~WorkerThread()", c_file, __LINE__);
-    if (m_thread.joinable()) {
-        JoinLate();
+    if (IsJoinable()) {
+        QUOR_TRACE(Low, "WARNING: Worker thread: " << m_name
+                                                   << ": destroyed before its thread was joined");
+        Stop();
+        if (m_thread.get_id() == std::this_thread::get_id()) {
+            m_thread.detach();
+        } else {
+            m_thread.join();
+        }
     }
     QUOR_TRACE(Low, "Worker thread: " << m_name << ": DESTROYED");
     if (m_pool != nullptr) {
@@ -61,19 +72,17 @@ WorkerThread::~WorkerThread() {
     }
 }
 
-void WorkerThread::JoinLate() {
-    QUOR_TRACE(Low, "WARNING: Worker thread: " << m_name << ": destroyed while its thread runs");
-    Stop();
-    if (m_thread.get_id() == std::this_thread::get_id()) {
-        m_thread.detach();
-    } else {
-        m_thread.join();
-    }
+// A Start() that has created the thread holds the mutex until it has stored it.
+bool WorkerThread::IsJoinable() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_thread.joinable();
 }
 
 void WorkerThread::Start() {
     const TraceFnc fnc("void quor::WorkerThread::Start()", c_file, __LINE__);
+    std::unique_lock<std::mutex> lock(m_mutex);
     if (m_thread.joinable()) {
+        lock.unlock();
         throw Exception("Worker thread: " + m_name + ": already started", true);
     }
     QUOR_TRACE(Low, "Worker thread: " << m_name << ": START");
@@ -95,25 +104,18 @@ bool WorkerThread::StopRequested() const {
 
 bool WorkerThread::TimedWait(unsigned long seconds, unsigned long nanoseconds) const {
     std::unique_lock<std::mutex> lock(m_mutex);
-    const Clock::time_point deadline = Deadline(seconds, nanoseconds);
-    m_condition.wait_until(lock, deadline);
-    return Clock::now() >= deadline;
+    const WallClock::time_point deadline = Deadline(seconds, nanoseconds);
+    return internal::WaitOnce(m_condition, lock, deadline);
 }
 
 void WorkerThread::operator()() {
     const TraceFnc fnc("void quor::WorkerThread::operator()()", c_file, __LINE__);
-    try {
-        Main();
-        return;
-    } catch (const std::exception& e) {
-        QUOR_TRACE(Low, "WARNING: WorkerThread " << m_name << ". Error: " << e.what());
-    } catch (...) {
-        if (std::current_exception() == nullptr) {
-            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
-        }
-        QUOR_TRACE(Low, "WARNING: WorkerThread " << m_name << ". Unknown exception.");
+    const bool ended = internal::CallGuarded(
+        [this] { Main(); },
+        [this](const char* error) { QUOR_TRACE(Low, internal::WorkerWarning(m_name, error)); });
+    if (!ended) {
+        QUOR_TRACE(Low, "Worker thread: " << m_name << ": STOPPED");
     }
-    QUOR_TRACE(Low, "Worker thread: " << m_name << ": STOPPED");
 }
 
 void WorkerThread::Main() {}

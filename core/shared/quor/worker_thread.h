@@ -60,14 +60,14 @@ protected:
 private:
     friend class WorkerPool;
 
-    void JoinLate();
+    bool IsJoinable() const;
 
     std::string m_name;
     bool m_stopRequested;  // guarded by m_mutex
     mutable std::condition_variable m_condition;
     mutable std::mutex m_mutex;
-    std::thread m_thread;
-    WorkerPool* m_pool;  // null unless a pool owns this worker
+    std::thread m_thread;  // guarded by m_mutex, but for the join
+    WorkerPool* m_pool;    // null unless a pool owns this worker
 };
 
 }  // namespace quor

@@ -17,6 +17,11 @@ inline bool WaitOnce(std::condition_variable& condition, std::unique_lock<std::m
     return WallClock::now() >= deadline;
 }
 
+inline bool WaitOnce(std::condition_variable& condition, std::unique_lock<std::mutex>& lock,
+                     std::chrono::milliseconds length) {
+    return WaitOnce(condition, lock, WallClock::now() + length);
+}
+
 }  // namespace quor::internal
 
 #endif
