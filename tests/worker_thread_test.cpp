@@ -3,7 +3,6 @@
 #include "threads.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <climits>
 #include <future>
@@ -121,11 +120,7 @@ TEST(WorkerThread, DestroyedWhileItRunsStopsAndJoinsButNeverItself) {
     });
     worker->Start();
     started.Await();
-    std::thread([worker] {
-        pthread_cancel(pthread_self());  // at the next cancellation point, of which there is none
-        delete worker;
-        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    }).join();
+    RunCancelled([worker] { delete worker; });
     EXPECT_EQ(ThreadTap::Lines("worker_thread"),
               "0 Worker thread: w: CREATED\n0 Worker thread: w: START\n"
               "1 WARNING: Worker thread: w: destroyed before its thread was joined\n"

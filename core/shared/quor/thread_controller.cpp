@@ -1,10 +1,13 @@
 #include <quor/thread_controller.h>
 
 #include <quor/exception.h>
+#include <quor/internal/cancellation_off.h>
+#include <quor/internal/guarded_call.h>
+#include <quor/internal/wall_clock_wait.h>
+#include <quor/internal/worker_warning.h>
 #include <quor/trace.h>
 
 #include <chrono>
-#include <exception>
 #include <thread>
 #include <utility>
 
@@ -16,19 +19,12 @@ namespace {
 
 constexpr const char* c_file = "thread_controller";
 
-// Runs code of the host; what it throws is traced and goes no further.
+// What code of the host throws is traced and goes no further.
 template <typename Function>
 void RunGuarded(const std::string& name, const Function& function) {
-    try {
-        function();
-    } catch (const std::exception& e) {
-        QUOR_TRACE(Low, "WARNING: WorkerThread " << name << ". Error: " << e.what());
-    } catch (...) {
-        if (std::current_exception() == nullptr) {
-            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
-        }
-        QUOR_TRACE(Low, "WARNING: WorkerThread " << name << ". Unknown exception.");
-    }
+    internal::CallGuarded(function, [&name](const char* error) {
+        QUOR_TRACE(Low, internal::WorkerWarning(name, error));
+    });
 }
 
 }  // namespace
@@ -39,7 +35,6 @@ ThreadController::ThreadController(std::string name, LoopFnc loopFnc, CancelLoop
       m_loopFnc(std::move(loopFnc)),
       m_cancelLoopFnc(std::move(cancelLoopFnc)),
       m_stopSleepPeriodMs(cStopSleepPeriodMs),
-      m_destroying(false),
       m_asideThreads(0) {
     const TraceFnc fnc(
         "quor::ThreadController::ThreadController(std::string, LoopFnc, CancelLoopFnc)", c_file,
@@ -49,17 +44,18 @@ ThreadController::ThreadController(std::string name, LoopFnc loopFnc, CancelLoop
     }
 }
 
-// It asks only for transitions that are allowed, and m_destroying keeps the rest inside.
+// It asks only for transitions that are allowed.
 // NOLINTNEXTLINE(bugprone-exception-escape)
 ThreadController::~ThreadController() {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    m_destroying = true;
+    const internal::CancellationOff cancellationOff;
     // An asynchronous start that is still under way may come after the stop.
     do {
+        std::unique_lock<std::mutex> lock(m_mutex);
         StopLoop(lock);
         WaitOnStateExit(eTerminating, lock);
-        m_asideDone.wait(lock, [this] { return m_asideThreads == 0; });
-    } while (m_state != eStopped);
+        lock.unlock();
+        AwaitAside();
+    } while (GetState() != eStopped);
 }
 
 bool ThreadController::Start() {
@@ -120,8 +116,9 @@ void ThreadController::AsyncRestart() {
     RunAside([](ThreadController& controller) { controller.Restart(); });
 }
 
+// Not counted under m_mutex, which a derived class may hold when it calls this.
 void ThreadController::RunAside(void (*operation)(ThreadController&)) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<std::mutex> lock(m_asideMutex);
     std::thread([this, operation] {
         try {
             RunGuarded(m_name, [this, operation] { operation(*this); });
@@ -136,9 +133,14 @@ void ThreadController::RunAside(void (*operation)(ThreadController&)) {
 }
 
 void ThreadController::LeaveAside() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<std::mutex> lock(m_asideMutex);
     --m_asideThreads;
     m_asideDone.notify_all();
+}
+
+void ThreadController::AwaitAside() {
+    std::unique_lock<std::mutex> lock(m_asideMutex);
+    m_asideDone.wait(lock, [this] { return m_asideThreads == 0; });
 }
 
 ThreadController::State_e ThreadController::GetState() const {
@@ -222,26 +224,13 @@ bool ThreadController::SetState(State_e state) {
     return true;
 }
 
+// A wait must not end here, or nobody would end the loop: after a period it tries again.
 void ThreadController::StartCancel() {
-    const auto start = [this] {
+    RunGuarded(m_name, [this] {
         std::thread([name = m_name, cancel = m_cancelLoopFnc] {
             RunGuarded(name, cancel);
         }).detach();
-    };
-    if (m_destroying) {
-        // The destructor has nobody to tell and must not give up: it tries again after a period.
-        RunGuarded(m_name, start);
-    } else {
-        start();
-    }
-}
-
-bool ThreadController::WaitOnce(std::unique_lock<std::mutex>& lock) {
-    using Clock = std::chrono::system_clock;
-    const Clock::time_point deadline =
-        Clock::now() + std::chrono::milliseconds(m_stopSleepPeriodMs);
-    m_condition.wait_until(lock, deadline);
-    return Clock::now() < deadline;
+    });
 }
 
 void ThreadController::WaitOnStateExit(const State_e& state, std::unique_lock<std::mutex>& lock) {
@@ -251,7 +240,8 @@ void ThreadController::WaitOnStateExit(const State_e& state, std::unique_lock<st
             StartCancel();
             seen = m_state;
         }
-        if (WaitOnce(lock)) {
+        if (!internal::WaitOnce(m_condition, lock,
+                                std::chrono::milliseconds(m_stopSleepPeriodMs))) {
             QUOR_TRACE(High, "WaitOnStateExit state changed from  "
                                  << seen << " into " << m_state << " while waiting to exit from "
                                  << left);
@@ -270,7 +260,8 @@ bool ThreadController::WaitOnStateEnter(const State_e& state, std::unique_lock<s
         if (seen == entered) {
             return true;
         }
-        if (WaitOnce(lock)) {
+        if (!internal::WaitOnce(m_condition, lock,
+                                std::chrono::milliseconds(m_stopSleepPeriodMs))) {
             QUOR_TRACE(High, "WaitOnStateEnter state changed from  "
                                  << seen << " into " << m_state
                                  << " while waiting for entering into " << entered);

@@ -107,12 +107,12 @@ private:
     void EndLoop(std::unique_lock<std::mutex>& lock);
     void CallLoop(std::unique_lock<std::mutex>& lock);
     void StartCancel();
-    bool WaitOnce(std::unique_lock<std::mutex>& lock);
     void RunAside(void (*operation)(ThreadController&));
     void LeaveAside();
+    void AwaitAside();
 
-    bool m_destroying;            // guarded by m_mutex
-    unsigned int m_asideThreads;  // threads of asynchronous operations; guarded by m_mutex
+    std::mutex m_asideMutex;
+    unsigned int m_asideThreads;  // of asynchronous operations; guarded by m_asideMutex
     std::condition_variable m_asideDone;
 };
 
