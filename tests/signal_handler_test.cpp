@@ -42,9 +42,10 @@ private:
 // A disposition, and after the test the one that was there before.
 class Disposition : Guard {
 public:
-    Disposition(int number, void (*function)(int)) : m_number(number) {
+    Disposition(int number, void (*function)(int), int flags = 0) : m_number(number) {
         struct sigaction action {};
         action.sa_handler = function;
+        action.sa_flags = flags;
         sigaction(number, &action, &m_saved);
     }
     ~Disposition() { sigaction(m_number, &m_saved, nullptr); }
@@ -72,8 +73,9 @@ TEST(SignalHandlerThread, HandsSignalsToThePreviousFunctionAndTheHandler) {
                                         {SIGTERM, SIG_DFL},
                                         {SIGHUP, SIG_IGN},
                                         {SIGUSR2, Previous},
+                                        {SIGALRM, Previous, SA_SIGINFO},  // takes three arguments
                                         {SIGWINCH, [](int) {}}};
-    const int signals[] = {SIGUSR1, SIGTERM, SIGHUP, SIGUSR2, SIGUSR2, 0};
+    const int signals[] = {SIGUSR1, SIGTERM, SIGHUP, SIGUSR2, SIGUSR2, SIGALRM, 0};
     const ThreadTap trace(quor::High);
     Flag handled;
     pthread_t self{};
@@ -84,7 +86,7 @@ TEST(SignalHandlerThread, HandsSignalsToThePreviousFunctionAndTheHandler) {
     });
     SignalHandlerThread* const thread = SignalHandlerThread::InstallHandler(*handler, signals);
     EXPECT_EQ(SignalHandlerThread::InstallHandler(*handler, nullptr), thread);
-    for (const int number : {SIGUSR1, SIGTERM, SIGHUP, SIGUSR2}) {
+    for (const int number : {SIGUSR1, SIGTERM, SIGHUP, SIGUSR2, SIGALRM}) {
         raise(number);
         handled.Await();
     }
@@ -112,6 +114,7 @@ TEST(SignalHandlerThread, HandsSignalsToThePreviousFunctionAndTheHandler) {
                   "signal_handler_test: handled 10\n" + ready +
                   "signal_handler_test: handled 15\n" + ready + "signal_handler_test: handled 1\n" +
                   ready + "signal_handler_test: handled 12\n" + ready +
+                  "signal_handler_test: handled 14\n" + ready +
                   "Got signal to stop signal thread.\n");
     EXPECT_EQ(ThreadTap::ByThread("signal_handler", expected), expected);
 }
@@ -154,7 +157,8 @@ TEST(SignalHandlerThread, EndsAtAFailureAndIsHandedOutUntilItIsDeleted) {
 }
 
 TEST(SignalHandlerThread, CanBeInstalledAfterARefusedSignalOrThread) {
-    const Disposition disposition(SIGUSR1, SIG_DFL);
+    static int calls = 0;
+    const Disposition disposition(SIGUSR1, [](int) { ++calls; });
     const int signals[] = {SIGUSR1, SIGKILL, 0};
     int deliveries = 0;
     Handler handler([&deliveries](int) { ++deliveries; });
@@ -174,6 +178,7 @@ TEST(SignalHandlerThread, CanBeInstalledAfterARefusedSignalOrThread) {
         delete thread;
     }
     EXPECT_EQ(deliveries, 2);
+    EXPECT_EQ(calls, 1);  // in the first installation, though failed ones came before
 }
 
 TEST(SignalHandlerThread, CatchesFourSignalsByDefaultAndNoneFromAnEmptyList) {

@@ -1,16 +1,18 @@
 #include <quor/signal_handler.h>
 
+#include <quor/detail/errno_keeper.h>
 #include <quor/exception.h>
+#include <quor/internal/guarded_call.h>
 #include <quor/trace.h>
 
 #include <signal.h>
 
 #include <atomic>
 #include <cerrno>
-#include <exception>
 #include <functional>
 #include <mutex>
 #include <string>
+#include <utility>
 
 sem_t g_semSignal;
 
@@ -36,10 +38,30 @@ int g_takenNumber = c_none;
 // Signal context: only a lock-free store and sem_post; nothing here may allocate, lock or trace.
 static_assert(std::atomic<int>::is_always_lock_free);
 extern "C" void SignalHandlerFnc(int number) {
-    const int savedErrno = errno;
+    const detail::ErrnoKeeper keeper;
     (number == cStopSignal ? g_stopNumber : g_signalNumber).store(number);
     sem_post(&g_semSignal);
-    errno = savedErrno;
+}
+
+// The functions of the host that failed installations have replaced, by signal number: nothing is
+// undone then, and the next one finds only the library's own.
+sighandler_t g_replaced[NSIG] = {};
+
+// Catches a signal. Returns what was in force before, or the default for a function that cannot be
+// called with a number alone.
+sighandler_t Install(int number) {
+    struct sigaction found {};
+    const bool takesMore =
+        sigaction(number, nullptr, &found) == 0 && (found.sa_flags & SA_SIGINFO) != 0;
+    const sighandler_t previous = signal(number, SignalHandlerFnc);
+    if (previous == SIG_ERR) {
+        throw Exception("Can't install handler for " + std::to_string(number), true);
+    }
+    const sighandler_t replaced = std::exchange(g_replaced[number], SIG_DFL);
+    if (previous == SignalHandlerFnc && replaced != SIG_DFL) {
+        return replaced;
+    }
+    return takesMore ? SIG_DFL : previous;
 }
 
 void AwaitPost() {
@@ -87,15 +109,21 @@ SignalHandlerThread::SignalHandlerThread(SignalHandler& handler, const int* sign
         __LINE__);
     g_stopNumber.store(c_none);
     sem_init(&g_semSignal, 0, 0);
-    for (const int* number = signals != nullptr ? signals : c_defaultSignals; *number != c_none;
-         ++number) {
-        const Disposition previous = signal(*number, SignalHandlerFnc);
-        if (previous == SIG_ERR) {
-            throw Exception("Can't install handler for " + std::to_string(*number), true);
+    try {
+        for (const int* number = signals != nullptr ? signals : c_defaultSignals; *number != c_none;
+             ++number) {
+            Disposition& previous = m_prevHandlers[*number];
+            previous = Install(*number);
         }
-        m_prevHandlers[*number] = previous;
+        m_thread = std::thread(std::ref(*this));
+    } catch (...) {
+        for (const auto& [number, previous] : m_prevHandlers) {
+            if (previous != SIG_DFL && previous != SignalHandlerFnc) {
+                g_replaced[number] = previous;
+            }
+        }
+        throw;
     }
-    m_thread = std::thread(std::ref(*this));
 }
 
 SignalHandlerThread::~SignalHandlerThread() {
@@ -126,16 +154,13 @@ void SignalHandlerThread::Stop() {
 
 void SignalHandlerThread::operator()() {
     const TraceFnc fnc("void quor::SignalHandlerThread::operator()()", c_file, __LINE__);
-    try {
-        HandleSignals();
-    } catch (const std::exception& e) {
-        QUOR_TRACE(Low, "WARNING: Ignored std::exception: " << e.what());
-    } catch (...) {
-        if (std::current_exception() == nullptr) {
-            throw;  // pthread_exit() or cancellation: ends this thread only if it gets through
-        }
-        QUOR_TRACE(Low, "WARNING: Ignored unknown exception.");
-    }
+    internal::CallGuarded(
+        [this] { HandleSignals(); },
+        [](const char* error) {
+            QUOR_TRACE(Low, "WARNING: Ignored "
+                                << (error != nullptr ? std::string("std::exception: ") + error
+                                                     : "unknown exception."));
+        });
 }
 
 void SignalHandlerThread::HandleSignals() {
