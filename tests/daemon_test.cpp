@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <sstream>
 
 static bool g_daemonFails = false;
@@ -56,6 +57,11 @@ void Take(const std::string& steps) {
             result << step << ' ' << (step == "start" ? Start(file) : Show(file)) << '\n';
         } else if (step == "stop") {
             result << "stop " << quor::Daemon::Instance().Stop() << '\n';
+        } else if (step == "farewell") {
+            std::atexit([] { std::ofstream("said", std::ios::app) << "ended\n"; });
+        } else if (step == "throw") {
+            close(2), open("/dev/full", O_WRONLY);
+            std::cerr.exceptions(std::ios_base::badbit);
         } else if (step == "close") {
             close(0), close(1), close(2);
         } else if (step == "child") {
@@ -95,7 +101,9 @@ TEST(DaemonProcess, KeepsAPidFileWhileItRuns) {
          "stop -1\nstop 0\n"},
         {"close start old show old stop start gone/pid stop",
          "start 0 detached\nshow own id\nstop 0\nstart 0 detached\nstop -1\n"},
-        {"start pid child show pid exit", "start 0 detached\nshow own id\n"}};
+        {"start pid child show pid exit", "start 0 detached\nshow own id\n"},
+        {"farewell start gone/pid throw exit",
+         "Error writing to PID file gone/pid\nstart 0 detached\nended\n"}};
     for (const auto& row : rows) {
         const Folder folder;
         std::fflush(stdout);  // some of the processes leave by exit()

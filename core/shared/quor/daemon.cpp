@@ -1,5 +1,7 @@
 #include <quor/daemon.h>
 
+#include <quor/internal/cancellation_off.h>
+#include <quor/internal/guarded_call.h>
 #include <quor/process.h>
 
 #include <unistd.h>
@@ -17,7 +19,9 @@ Daemon::Daemon() : m_daemonised(false), m_owner(0) {}
 Daemon::~Daemon() {
     // A forked child that exits must not take its parent's file away.
     if (m_owner == GetPid()) {
-        Stop();
+        const internal::CancellationOff cancellationOff;
+        // A host may let std::cerr throw.
+        internal::CallGuarded([this] { Stop(); }, [](const char* /*error*/) {});
     }
 }
 
