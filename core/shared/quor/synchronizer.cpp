@@ -1,6 +1,7 @@
 #include <quor/synchronizer.h>
 
 #include <quor/exception.h>
+#include <quor/internal/wall_clock_wait.h>
 #include <quor/trace.h>
 
 #include <chrono>
@@ -23,7 +24,6 @@ Synchronizer::~Synchronizer() {
 }
 
 bool Synchronizer::Wait() {
-    using Clock = std::chrono::system_clock;
     std::unique_lock<std::mutex> lock(m_mutex);
     for (unsigned int iteration = 0; iteration < m_iterations; ++iteration) {
         // A counter of 0 does not save the last iteration: the limit is looked at first.
@@ -31,9 +31,7 @@ bool Synchronizer::Wait() {
             return true;
         }
         QUOR_TRACE(Low, "waiting for condition: iteration:" << iteration);
-        const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(m_timeoutMs);
-        m_condition.wait_until(lock, deadline);
-        if (Clock::now() < deadline) {
+        if (!internal::WaitOnce(m_condition, lock, std::chrono::milliseconds(m_timeoutMs))) {
             return m_counter == 0;
         }
         QUOR_TRACE(Low, "waiting finished:" << iteration);
