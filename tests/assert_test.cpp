@@ -92,7 +92,7 @@ void Become(Host host) {
     std::cout.exceptions(bad);
 }
 
-TEST(LoggedAssertDeathTest, TakesEveryStepWhateverTheOthersMeetThenAborts) {
+TEST(LoggedAssertDeathTest, ReportsToItsFileOrStandardErrorAndToTraceAndLogThenAborts) {
     for (const bool hasFolder : {true, false}) {
         for (const Host kind :
              {c_reporting, c_silent, c_withoutLogFile, c_onAFullDisk, c_unheard}) {

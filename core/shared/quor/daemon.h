@@ -9,33 +9,43 @@ namespace quor {
 
 /// Turns the process into a background daemon with a PID file.
 ///
-/// The file holds the daemon's process id in decimal and a line feed. It is deleted by Stop(), or
-/// when the process that wrote it exits normally. Messages go to standard error, which daemonising
-/// leaves open, like the other standard streams and the working directory.
+///     if (Daemon::Instance().Start("/run/spoold.pid") != 0) {
+///         return 1;
+///     }
+///     ...                         // trace, threads, signals
+///     Daemon::Instance().Stop();  // or leave that to the end of the process
 ///
-/// Nothing is locked: for the main thread, at start-up and shut-down. Throws nothing of its own.
-/// Children that the daemon forks leave by _exit() or exec. A trace that was started before Start()
-/// carries the id of the process that ended there.
+/// The caller must ensure that
+///   - Start() comes before any thread exists: only the calling thread goes on in the daemon;
+///   - a trace is started after it: one from before carries the id of the process that ended;
+///   - only the main thread uses the class, at start-up and shut-down: nothing is locked;
+///   - children that the daemon forks leave by _exit() or exec, and do not call Stop().
+/// The class guarantees that
+///   - the file holds the daemon's process id in decimal and a line feed. Stop() deletes it, and so
+///     does the normal end of the process that wrote it, but not that of its children;
+///   - the standard streams and the working directory stay as they are.
+///
+/// Messages go to standard error. Throws nothing of its own, and nothing from the destructor.
 class Daemon {
 public:
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
-    /// Stops, in the process that daemonised.
+    /// Calls Stop() in the process that daemonised.
     ~Daemon();
 
-    /// The one instance, made at the first call and destroyed at the end of the process.
+    /// Returns the one instance, made at the first call and destroyed at the end of the process.
     static Daemon& Instance();
 
-    /// Deletes the PID file of another instance, whether or not that still runs; then detaches, so
-    /// that the calling process ends and a child goes on, and writes the file `pidFile`. Call it
-    /// before any thread exists: only the calling one goes on. Returns 0; also when the file could
-    /// not be written, and, the path unchanged, when called again. Returns -1 when the other
-    /// instance's file cannot be deleted, or when detaching failed, after which the object counts
-    /// as daemonised.
+    /// Deletes the PID file of another instance, whether or not that still runs. Then detaches: the
+    /// calling process ends, and a child goes on and writes the file `pidFile`.
+    ///
+    /// Returns 0, also if the file could not be written, and if called again, which changes
+    /// nothing. Returns -1 if the other instance's file cannot be deleted, or if detaching failed;
+    /// after the latter the object counts as daemonised.
     int Start(const std::string& pidFile);
 
-    /// Deletes the PID file. Returns 0, also when there was no Start(), or -1 when it cannot be
-    /// deleted.
+    /// Deletes the PID file, in any process that calls it. Returns 0, also if there was no Start();
+    /// -1 if the file cannot be deleted.
     int Stop();
 
 private:

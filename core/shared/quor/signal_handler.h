@@ -6,12 +6,12 @@
 #include <map>
 #include <thread>
 
-/// Posted once per caught signal; set to 0 by each new SignalHandlerThread, never destroyed.
+/// Posted once per caught signal. Set to 0 by each new SignalHandlerThread, and never destroyed.
 extern sem_t g_semSignal;
 
 namespace quor {
 
-/// What a host does about a signal, on an ordinary thread.
+/// Reacts to signals on an ordinary thread. Derive from it.
 class SignalHandler {
 public:
     SignalHandler() = default;
@@ -19,43 +19,54 @@ public:
     SignalHandler& operator=(const SignalHandler&) = default;
     virtual ~SignalHandler();
 
-    /// Called on the signal thread with the number of the signal that arrived; it may lock,
-    /// allocate, log and trace. An exception that leaves it is traced as a warning and ends the
-    /// signal thread.
+    /// Called on the signal thread with the number of the signal that arrived. It may lock,
+    /// allocate, log and trace, but not stop the signal thread. An exception that leaves it is
+    /// traced as a warning and ends that thread.
     virtual void HandleSignal(int number) = 0;
 };
 
-/// The one thread per process that hands signals to a SignalHandler.
+/// Hands the signals of the process to a SignalHandler, on one thread.
 ///
-/// The C-level handler stores the signal's number in one slot and posts a semaphore. The thread
-/// wakes once per signal, calls the disposition that was in force before, if that was a function
-/// other than the library's own, and then the host's handler. Signals that arrive close together
-/// share the slot: the handler then gets the later number twice. Treat a delivery as "look".
+///     SignalHandlerThread* signals = SignalHandlerThread::InstallHandler(handler, nullptr);
+///     ...
+///     signals->Stop();
+///     delete signals;
 ///
-/// For one controlling thread: InstallHandler() once, after Daemon::Start(); at shut-down Stop(),
-/// then delete the object. Dispositions are never restored. The steps are traced at level Medium.
+/// The caller must ensure that
+///   - one thread alone installs, stops and deletes, after Daemon::Start();
+///   - `handler` outlives the signal thread, and Stop() has returned before the object is deleted;
+///   - a delivery is treated as "look": signals that arrive close together share one slot, and the
+///     handler then gets the later number twice.
+/// The signal thread guarantees that
+///   - the handler is called once per signal, everything written before InstallHandler() is visible
+///     to it, and everything it wrote is visible after Stop();
+///   - the function that handled the signal before is called first, if it takes only the number:
+///     one installed with SA_SIGINFO is not called. One that a failed InstallHandler() has replaced
+///     is called, too.
+///
+/// Dispositions are never restored. The steps are traced at level Medium.
 class SignalHandlerThread {
 public:
     SignalHandlerThread(const SignalHandlerThread&) = delete;
     SignalHandlerThread& operator=(const SignalHandlerThread&) = delete;
-    /// Only after Stop(). Does not take `handler` along, which is the host's.
+    /// Call Stop() first. Does not delete the handler, which the caller owns.
     virtual ~SignalHandlerThread();
 
-    /// Makes and starts the one instance, which the caller owns; or gives the one there is and
-    /// ignores its arguments. `signals` is an array of numbers that ends in 0, null for SIGHUP,
+    /// Makes and starts the one instance, which the caller owns; or returns the one there is and
+    /// ignores the arguments. `signals` is an array of numbers that ends in 0; null means SIGHUP,
     /// SIGINT, SIGTERM and SIGQUIT. A later list must contain the earlier ones: a number that is
-    /// caught but not listed any more ends the thread ("map::at"). `handler` must outlive the
-    /// thread.
+    /// caught but no longer listed ends the thread ("map::at").
     ///
-    /// Throws Exception for a number that cannot be caught, std::system_error when the thread
-    /// cannot be created; the numbers before stay caught, but go nowhere.
+    /// Throws Exception for a number that cannot be caught, and std::system_error if the thread
+    /// cannot be created. The numbers before it stay caught but are not delivered.
     static SignalHandlerThread* InstallHandler(SignalHandler& handler, const int* signals);
 
-    /// Ends the thread and waits for that; signals caught before are handed over first. Once per
-    /// object: a second call throws std::system_error.
+    /// Ends the thread and waits for that; signals caught before are delivered first. Throws
+    /// std::system_error if called a second time, or by a handler; another thread must then still
+    /// call it.
     void Stop();
 
-    /// The thread's body, not for the host to call.
+    /// The body of the thread; not to be called by your program.
     void operator()();
 
 private:

@@ -44,16 +44,15 @@ ThreadController::ThreadController(std::string name, LoopFnc loopFnc, CancelLoop
     }
 }
 
-// It asks only for transitions that are allowed.
-// NOLINTNEXTLINE(bugprone-exception-escape)
 ThreadController::~ThreadController() {
     const internal::CancellationOff cancellationOff;
     // An asynchronous start that is still under way may come after the stop.
     do {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        StopLoop(lock);
-        WaitOnStateExit(eTerminating, lock);
-        lock.unlock();
+        RunGuarded(m_name, [this] {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            StopLoop(lock);
+            WaitOnStateExit(eTerminating, lock);
+        });
         AwaitAside();
     } while (GetState() != eStopped);
 }

@@ -7,32 +7,45 @@
 #include <mutex>
 #include <string>
 
-/// Polling period of the waits of a thread controller, in milliseconds; 100 at first. Each
-/// controller takes it when it is constructed.
+/// Polling period of the waits of a thread controller, in milliseconds; 100 at first. A controller
+/// reads it once, when it is constructed.
 extern std::uint32_t cStopSleepPeriodMs;
 
-/// The most waits that ThreadController::WaitOnStateEnter() makes; 100 at first, read at every use.
+/// The number of waits after which ThreadController::WaitOnStateEnter() gives up; 100 at first,
+/// read at every use.
 extern std::uint32_t cRetryCounter;
 
 namespace quor {
 
-/// One pass of a host's loop.
+/// One pass of the loop.
 using LoopFnc = std::function<void()>;
-/// Makes the pass that is under way return or throw.
+/// Makes the pass in progress return or throw.
 using CancelLoopFnc = std::function<void()>;
 
-/// Calls a host's loop function over and over on a thread of its own, under a state machine.
+/// Calls a loop function over and over on a thread of its own, until it is stopped.
 ///
-/// While a stop waits for the loop to end, the cancel function is called at once and then once per
-/// polling period, each time as a copy on a thread of its own, so calls may overlap each other and
-/// the loop; both functions must bear that, and a copy may outlive the controller for a moment. No
-/// lock is held while either runs.
+///     ThreadController scan("scan", [bell] { bell->Await(); }, [bell] { bell->Ring(); });
+///     scan.Start();
+///     scan.Stop();  // cancels the pass in progress and waits for it
 ///
-/// All operations may be called from any thread, but Stop() and Restart() not from the loop, which
-/// would wait for itself; the asynchronous forms may. An exception that leaves the loop function
-/// ends the loop, one that leaves a cancel function or an asynchronous operation ends only its
-/// thread; each is traced as a warning. Throws std::system_error when a thread cannot be created:
-/// a start then leaves the controller stopped, a stop leaves the loop terminating.
+/// The caller must ensure that
+///   - the cancel function makes a pass in progress return or throw, also if it is called just
+///     before the pass begins to wait;
+///   - both functions bear calls that overlap: while a stop waits, a copy of the cancel function is
+///     called at once and then every polling period, each on a thread of its own;
+///   - everything the cancel function uses outlives it: a copy may outlive the controller;
+///   - the loop calls neither Stop() nor Restart(), which would wait for itself, nor Start(), which
+///     would while another thread stops the controller. The asynchronous forms are allowed.
+/// The controller guarantees that
+///   - no lock is held while either function runs;
+///   - everything written before a start is visible to the loop, and no pass begins after a stop
+///     has returned that found the loop running; everything the last pass wrote is then visible;
+///   - an exception ends the loop, the cancel call or the asynchronous operation that it leaves,
+///     and is traced as a warning. A cancel thread that cannot be created is traced as well, and
+///     tried again after a period.
+///
+/// Any thread may call any operation. Throws std::system_error if the thread of a start or of an
+/// asynchronous operation cannot be created; a start then leaves the controller stopped.
 class ThreadController {
 public:
     /// Where the loop stands.
@@ -43,32 +56,34 @@ public:
         eTerminating = 3  ///< the loop thread has not yet left its loop
     };
 
-    /// Starts nothing. Throws Exception when a function is missing.
+    /// Starts nothing. Throws Exception if a function is missing.
     ThreadController(std::string name, LoopFnc loopFnc, CancelLoopFnc cancelLoopFnc);
     ThreadController(const ThreadController&) = delete;
     ThreadController& operator=(const ThreadController&) = delete;
-    /// Stops the loop, and waits until no thread that an asynchronous operation started needs the
-    /// controller any more. Not to be called from the loop.
-    ~ThreadController();  // NOLINT(bugprone-exception-escape): see its definition
+    /// Stops the loop, and waits until no asynchronous operation needs the controller any more. Is
+    /// not a cancellation point. Not to be called from the loop.
+    ~ThreadController();
 
-    /// Completes a stop in progress, then starts a stopped controller and returns when its loop
-    /// thread has taken over. Returns true.
+    /// Waits for a stop in progress, then starts a stopped controller and waits until its loop
+    /// thread has taken over. Always returns true; if there was a stop to wait for, another one may
+    /// have begun by then.
     bool Start();
-    /// Completes a start in progress, then stops a running controller and returns when its loop has
-    /// ended. Returns at once when another thread is stopping it. Returns true.
+    /// Waits for a start in progress, then stops a running controller and waits until its loop has
+    /// ended. Always returns true, and at once if another thread is stopping the controller.
     bool Stop();
-    /// Stops a running controller, then starts it again; starts a stopped one. Does nothing when
+    /// Stops a running controller, then starts it again; starts a stopped one. Does nothing if
     /// another thread is stopping it.
     void Restart();
 
-    /// The same on a thread of their own; they return at once.
+    /// Do the same on a thread of their own, and return at once. Two calls may take effect in
+    /// either order: after AsyncStart() and AsyncStop() the controller may be running.
     /// @{
     void AsyncStart();
     void AsyncStop();
     void AsyncRestart();
     /// @}
 
-    /// The state, which may have changed by the time it is looked at.
+    /// Returns the state, which may have changed by the time you look at it.
     State_e GetState() const;
 
 protected:
@@ -83,20 +98,20 @@ protected:
     /// eTerminating       false      throws      moves      throws
     /// eStopped           throws     throws      throws     moves
     ///
-    /// "false" is also traced at level High; what is thrown is Exception.
+    /// "false" is also traced at level High; "throws" is an Exception.
     bool SetState(State_e state);
 
     /// Returns once the state differs from `state`; calls the cancel function as long as the
-    /// controller is terminating. `lock` holds m_mutex and is let go while waiting.
+    /// controller is terminating. `lock` holds m_mutex, and is released while waiting.
     void WaitOnStateExit(const State_e& state, std::unique_lock<std::mutex>& lock);
-    /// The same until the state is `state`; false, and a trace at level Low, when that did not come
-    /// within cRetryCounter waits.
+    /// The same until the state is `state`. Returns false, and traces that at level Low, if it did
+    /// not become so within cRetryCounter waits.
     bool WaitOnStateEnter(const State_e& state, std::unique_lock<std::mutex>& lock);
 
     std::string m_name;                   ///< for messages alone
     State_e m_state;                      ///< guarded by m_mutex
     std::condition_variable m_condition;  ///< notified at each change of m_state
-    mutable std::mutex m_mutex;           ///< not held while a function of the host runs
+    mutable std::mutex m_mutex;           ///< not taken by the asynchronous operations
     LoopFnc m_loopFnc;                    ///< never empty
     CancelLoopFnc m_cancelLoopFnc;        ///< never empty; copied for each call
     std::uint32_t m_stopSleepPeriodMs;    ///< cStopSleepPeriodMs at the time of construction

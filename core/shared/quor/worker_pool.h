@@ -13,15 +13,27 @@ class WorkerThread;
 
 /// Creates workers by name, owns them, and stops, joins and deletes them.
 ///
-/// A worker is made on the first GetWorker() of its name. After its deletion the name stays in the
-/// table, and the next GetWorker() makes a new one. Call TerminateAll() before the pool goes: a
-/// pool destroyed with live workers warns in the trace, cuts their link to it, and leaves them to
-/// whoever holds them.
+///     class Pool : public WorkerPool {
+///         WorkerThread* CreateWorker(const std::string& name) override { return new Drain(name); }
+///     };
+///     pool.GetWorker("drain")->Start();
+///     pool.TerminateAll();  // before the pool is destroyed
 ///
-/// GetWorker() and Terminate() may be called from any thread, but not GetWorker() for a name that
-/// is being terminated, nor either while TerminateAll() runs. The pool's mutex is held while
-/// CreateWorker() runs, and never while a worker is stopped, joined or deleted. What the factory,
-/// a stop or a join throws passes to the caller; std::system_error comes from the thread library.
+/// The caller must ensure that
+///   - TerminateAll() comes before the destructor, which only traces a warning for each worker
+///     that is left, and leaves it to its holders;
+///   - nobody asks for, starts or uses a worker while its name is being terminated;
+///   - no other thread uses the pool while TerminateAll() runs. The workers themselves and their
+///     destructors may call GetWorker() then.
+/// The pool guarantees that
+///   - a name has at most one worker. It stays in the table when that is deleted, and the next
+///     GetWorker() makes a new one;
+///   - its mutex is held while CreateWorker() runs, but never while a worker is stopped, joined or
+///     deleted;
+///   - after Terminate() everything the worker wrote is visible to the caller.
+///
+/// Otherwise any thread may call any operation. Exceptions of the factory, a stop or a join are
+/// passed on. Throws std::system_error if the thread library fails.
 class WorkerPool {
 public:
     WorkerPool();
@@ -29,32 +41,34 @@ public:
     WorkerPool& operator=(const WorkerPool&) = delete;
     virtual ~WorkerPool();
 
-    /// The worker of that name, made if there is none, not started; the pool keeps owning it. Null
-    /// when the factory makes none. Throws Exception when it makes one of another name.
+    /// Returns the worker of that name, which the pool owns; makes one if there is none, and does
+    /// not start it. Returns null if the factory makes none. Throws Exception if it makes one of
+    /// another name, which is then deleted.
     WorkerThread* GetWorker(const std::string& name);
 
-    /// Stops the worker, waits for its Main() to return, and deletes it; one that never started is
-    /// only deleted. Does nothing for an unknown or empty name, or for one that another thread is
-    /// terminating. Not to be called by the worker itself.
+    /// Stops the worker, waits for its Main() to return, and deletes it. A worker that never
+    /// started is only deleted. Does nothing if the name has no worker, or if another thread is
+    /// terminating it. Not to be called by the worker itself.
     void Terminate(const std::string& name);
 
     /// Terminates all workers in the order of their names, each joined before the next is stopped.
+    /// A worker made meanwhile is terminated too if its name is still to come; otherwise it is
+    /// deleted in the end without a stop, and must not have been started.
     void TerminateAll();
 
 protected:
-    /// Makes the worker of that name with new, a distinct one at every call, or gives null. Runs
+    /// Makes the worker of that name with new, a distinct one at every call, or returns null. Runs
     /// with the pool's mutex held: it must not call this pool.
     virtual WorkerThread* CreateWorker(const std::string& name) = 0;
 
 private:
     friend class WorkerThread;
 
-    /// Clears the entry of a worker that is being destroyed.
     void Remove(WorkerThread* worker);
-    /// The name that follows in the table, the first one after null; null at the end.
+    // The name that follows in the table, the first one after null; null at the end.
     const std::string* NextName(const std::string* name);
     std::size_t CountNames();
-    /// The worker of that name, for the caller alone to terminate until EndTermination(); or null.
+    // The worker of that name, for the caller alone to terminate until EndTermination(); or null.
     WorkerThread* BeginTermination(const std::string& name);
     void EndTermination(const std::string& name);
 

@@ -10,51 +10,61 @@ namespace quor {
 
 class WorkerPool;
 
-/// A named piece of host work on a thread of its own.
+/// Runs a named piece of work on a thread of its own.
 ///
-///     void Main() override {
-///         while (!StopRequested()) {
-///             DoOnePass();
-///             TimedWait(1, 0);
+///     class Drain : public WorkerThread {
+///         void Main() override {
+///             while (!StopRequested()) {
+///                 DoOnePass();
+///                 TimedWait(1, 0);
+///             }
 ///         }
-///     }
+///     };
 ///
-/// Derive, override Main(), Start() the worker; later Stop() it and have the thread joined, which a
-/// WorkerPool does, before the destructor of the derived class begins: Main() uses its members. As
-/// a last resort this class's destructor stops and joins a thread that still runs, and warns.
+/// The caller must ensure that
+///   - the thread is joined, which a WorkerPool does, before the destructor of the derived class
+///     begins: Main() uses its members;
+///   - Start() is not called while another thread destroys the worker.
+/// The worker guarantees that
+///   - an exception that leaves Main() is traced as a warning and ends only the thread;
+///   - no lock is held while Main() runs;
+///   - everything written before Start() is visible to Main(), everything written before Stop() to
+///     a thread that then sees StopRequested(), and everything Main() wrote after the join.
 ///
-/// An exception that leaves Main() is traced as a warning and ends only the thread. Life-cycle
-/// events are traced at level Low. The worker's mutex is never held while host code runs. Errors
-/// of the thread library are thrown as std::system_error.
+/// Any thread may call any operation. Life-cycle events are traced at level Low. Throws
+/// std::system_error if the thread library fails.
 class WorkerThread {
 public:
     /// Creates no thread. In a pool, `name` is the worker's key.
     explicit WorkerThread(const std::string& name);
     WorkerThread(const WorkerThread&) = delete;
     WorkerThread& operator=(const WorkerThread&) = delete;
+    /// As a last resort, stops and joins a thread that nobody joined, and traces a warning. Is not
+    /// a cancellation point.
     virtual ~WorkerThread();
 
-    /// Creates the thread. Throws Exception when an earlier one has not been joined. A stop request
-    /// stays: a worker that was stopped starts with StopRequested() true.
+    /// Creates the thread. Throws Exception if an earlier one has not been joined; of two calls at
+    /// once, one succeeds. Keeps a stop request: a worker that was stopped starts with
+    /// StopRequested() true.
     void Start();
 
-    /// Asks the thread to stop, wakes its TimedWait(), and returns at once. Any thread, any number
-    /// of times.
+    /// Asks the thread to stop, wakes its TimedWait(), and returns at once. May be repeated.
     void Stop();
 
-    /// True once Stop() has been called; never false again.
+    /// Returns whether Stop() has been called; never false again after that.
     bool StopRequested() const;
 
-    /// Sleeps until Stop() is called or the time is up; true when the time ran out. Also wakes
-    /// without a reason now and then. A Stop() that came before this call does not shorten it:
-    /// wait in slices and test StopRequested() between them. Any length; the wall clock counts.
+    /// Blocks until Stop() is called or the time has passed by the wall clock; returns true if the
+    /// time ran out. May also return early without a reason. A Stop() that came before this call
+    /// does not shorten it: wait in slices, and test StopRequested() between them. Lengths beyond
+    /// the range of the clock wait as long as it can express.
     bool TimedWait(unsigned long seconds, unsigned long nanoseconds) const;
 
-    /// The thread's body, not for the host to call.
+    /// The body of the thread; not to be called by your program.
     void operator()();
 
 protected:
-    /// The host's work, called once on the new thread with no lock held. This one does nothing.
+    /// The work, called once on the new thread. The default does nothing.
     virtual void Main();
 
 private:
