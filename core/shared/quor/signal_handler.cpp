@@ -158,8 +158,8 @@ void SignalHandlerThread::operator()() {
         [this] { HandleSignals(); },
         [](const char* error) {
             QUOR_TRACE(Low, "WARNING: Ignored "
-                                << (error != nullptr ? std::string("std::exception: ") + error
-                                                     : "unknown exception."));
+                                << (error != nullptr ? "std::exception: " : "unknown exception.")
+                                << (error != nullptr ? error : ""));
         });
 }
 

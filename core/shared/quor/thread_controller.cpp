@@ -23,7 +23,7 @@ constexpr const char* c_file = "thread_controller";
 template <typename Function>
 void RunGuarded(const std::string& name, const Function& function) {
     internal::CallGuarded(function, [&name](const char* error) {
-        QUOR_TRACE(Low, internal::WorkerWarning(name, error));
+        QUOR_TRACE(Low, (internal::WorkerWarning{name, error}));
     });
 }
 

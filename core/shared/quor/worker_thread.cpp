@@ -110,9 +110,11 @@ bool WorkerThread::TimedWait(unsigned long seconds, unsigned long nanoseconds) c
 
 void WorkerThread::operator()() {
     const TraceFnc fnc("void quor::WorkerThread::operator()()", c_file, __LINE__);
-    const bool ended = internal::CallGuarded(
-        [this] { Main(); },
-        [this](const char* error) { QUOR_TRACE(Low, internal::WorkerWarning(m_name, error)); });
+    const bool ended =
+        internal::CallGuarded([this] { Main(); },
+                              [this](const char* error) {
+                                  QUOR_TRACE(Low, (internal::WorkerWarning{m_name, error}));
+                              });
     if (!ended) {
         QUOR_TRACE(Low, "Worker thread: " << m_name << ": STOPPED");
     }
