@@ -14,7 +14,6 @@ namespace quor {
 
 using internal::LogFileInternals;
 using internal::Put;
-using internal::PutBefore;
 using internal::RoomyText;
 
 namespace {

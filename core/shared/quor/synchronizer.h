@@ -22,7 +22,7 @@ namespace quor {
 class Synchronizer {
 public:
     /// The limit for the product of iterations and their length, in milliseconds.
-    static constexpr unsigned int MaxTimeout = 10000;  // NOLINT(readability-identifier-naming)
+    static constexpr unsigned int MaxTimeout = 10000;
 
     /// Sets the counter. Wait() makes `iterations` waits of `timeoutMs` milliseconds each. Throws
     /// Exception if their product exceeds MaxTimeout. It is computed in unsigned 32-bit arithmetic:

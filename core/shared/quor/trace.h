@@ -97,6 +97,7 @@ private:
     int m_line;
 };
 
+// NOLINTBEGIN(misc-definitions-in-headers): inline but in the library
 QUOR_TRACE_FNC_INLINE_ TraceFnc::TraceFnc(const char* function, const char* file, int line) noexcept
     : m_function(function), m_file(file), m_line(line) {
     if (TraceGateOpen(High)) {
@@ -109,6 +110,7 @@ QUOR_TRACE_FNC_INLINE_ TraceFnc::~TraceFnc() {
         Write("<== ", m_function, m_file, m_line);
     }
 }
+// NOLINTEND(misc-definitions-in-headers)
 
 }  // namespace quor
 
