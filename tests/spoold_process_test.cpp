@@ -26,12 +26,13 @@ protected:
         Write("trace", "");
     }
 
-    static Child Start(const std::string& options) {
-        const std::string command = "exec '" QUOR_TEST_SPOOLD "' " + options + " 2>error >out";
+    static Child Start(const std::string& options, const std::string& limits = "") {
+        const std::string command =
+            limits + "exec '" QUOR_TEST_SPOOLD "' " + options + " 2>error >out";
         return Child([&](Pipe&) { execl("/bin/sh", "sh", "-c", command.c_str(), nullptr); });
     }
-    static Child StartWaiting() {
-        return Start("--spool spool --log log --trace trace --foreground");
+    static Child StartWaiting(const std::string& options = "", const std::string& limits = "") {
+        return Start("--spool spool --log log --trace trace --foreground " + options, limits);
     }
     static void Drop(const std::string& name) {
         Write("spool/." + name, name);
@@ -173,7 +174,7 @@ TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
         const char* effect;
     } rows[] = {{SIGUSR1, "Medium", "Trace level 3"},
                 {SIGUSR2, "Medium", "Trace level 2"},
-                {SIGHUP, "Detail", "Trace opened anew at level 4"},
+                {SIGHUP, "Detail", "Trace reopened at level 4"},
                 {SIGHUP, "5", "conf:4: 'level = 5': expected Off, Low, Medium, High or Detail; "},
                 {SIGUSR2, "5", "Trace level 3"}};
     for (const auto& row : rows) {
@@ -184,11 +185,15 @@ TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
     }
     Drop("late");
     WaitForText("trace", "Done: 'late'");
-    kill(daemon, SIGTERM);
+    for (const int number : {SIGSTOP, SIGTERM, SIGHUP, SIGUSR1, SIGCONT}) {
+        kill(daemon, number);  // it gets all of them at once, and loses none
+    }
     spoold.AwaitHangUp();
     EXPECT_FALSE(std::filesystem::exists("pid"));
     EXPECT_EQ(ReadFile("out") + ReadFile("error"), "");
-    EXPECT_THAT(ReadFile("log"), HasSubstr("Stopped; done: 1, failed: 0, passes: "));
+    EXPECT_THAT(ReadFile("log"), AllOf(HasSubstr("Signal: Terminated"), HasSubstr("Signal: Hangup"),
+                                       HasSubstr("Signal: User defined signal 1"),
+                                       HasSubstr("Stopped; done: 1, failed: 0, passes: ")));
     EXPECT_THAT(ReadFile("rotated"), AllOf(HasSubstr("worker-3: START"), HasSubstr("stopped *")));
     EXPECT_THAT(ReadFile("trace"), AllOf(HasSubstr("worker-3: DESTROYED"), HasSubstr("stopped *")));
 }
@@ -252,9 +257,35 @@ TEST_F(SpooldProcess, EndsWhenTheSpoolIsBrokenAndKeepsTheFileInHand) {
     std::filesystem::rename("spool/done", "gone");
     Drop("late");
     EXPECT_EQ(spoold.Exit(), 1);
-    EXPECT_THAT(ReadFile("error"), HasSubstr("spoold: Cannot write 'spool/done/late.report'"));
-    EXPECT_THAT(ReadFile("log"), HasSubstr("Critical: Cannot write 'spool/done/late.report'"));
+    EXPECT_THAT(ReadFile("error"), HasSubstr("spoold: worker-"));
+    EXPECT_THAT(ReadFile("log"),
+                ContainsRegex("Critical: worker-[12]: Cannot write 'spool/done/late.report'"));
     EXPECT_EQ(ReadFile("spool/work/late"), "late");
+}
+
+TEST_F(SpooldProcess, ShortageOfDescriptorsFailsNoFile) {
+    Names expected;
+    for (int number = 100; number < 200; ++number) {
+        const std::string name = std::to_string(number);
+        Write("spool/" + name, "");
+        std::filesystem::resize_file("spool/" + name, 200'000);
+        expected.insert({name, name + ".report"});
+    }
+    Child spoold = StartWaiting("--workers 64", "ulimit -n 16; ");
+    for (int number = 100; number < 200; ++number) {
+        WaitForText("trace", "Done: '" + std::to_string(number) + "'");
+    }
+    kill(spoold.pid, SIGTERM);
+    EXPECT_EQ(spoold.Exit(), 0);
+    EXPECT_EQ(In("spool/done"), expected);
+}
+
+TEST_F(SpooldProcess, RefusedThreadIsLoggedAndLeavesNoPidFile) {
+    Child spoold = Start("--spool spool --log log --pid-file pid",
+                         "ulimit -v 2000000; ulimit -s 4000000; ");  // in KiB; no room for a stack
+    spoold.AwaitHangUp();
+    EXPECT_FALSE(std::filesystem::exists("pid"));
+    EXPECT_THAT(ReadFile("log"), HasSubstr("Critical: Cannot create a thread: "));
 }
 
 TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
@@ -272,6 +303,8 @@ TEST_F(SpooldProcess, ErrorsReachTheExitCodeAndStandardError) {
         EXPECT_GT(Start(std::string("--spool spool ") + options).Exit(), 0) << options;
         EXPECT_THAT(ReadFile("error"), HasSubstr(error));
     }
+    EXPECT_EQ(Start("--spool spool --log none/log --foreground 2>&- #").Exit(), 1);
+    EXPECT_EQ(ReadFile("spool/work/.lock"), "");  // it could have become standard error
 }
 
 }  // namespace

@@ -1,44 +1,35 @@
+#include <kit.h>
 #include <quor/daemon.h>
 #include <quor/exception.h>
 #include <quor/log.h>
-#include <quor/signal_handler.h>
 #include <quor/thread_controller.h>
 #include <quor/time.h>
 #include <quor/trace.h>
+#include <quor/trace_file.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <system_error>
 
-#include "options.h"
-#include "reporting.h"
+#include "command_line.h"
+#include "log_and_trace.h"
 #include "signals.h"
 #include "spool.h"
 #include "spooler.h"
-#include "stop_request.h"
 #include "text.h"
 #include "watch.h"
 #include "workers.h"
 
 namespace spoold {
 
-// One pass of the scan loop.
-void ScanAndWait(Spooler& spooler, const Watch& watch, StopRequest& stop) {
-    try {
-        spooler.Scan();
-        watch.Wait();
-    } catch (const std::exception& error) {
-        stop.Fail(error.what());
-        throw;  // ends the loop; the library traces it
-    }
-}
-
 // Sleeps until the time has come or the program is to stop.
-void HoldBack(const std::string& notBefore, const StopRequest& stop) {
+void HoldBack(const std::string& notBefore, const kit::StopRequest& stop) {
     using std::chrono::milliseconds;
     constexpr milliseconds c_slice(60'000);  // a clock that is set is noticed that late
     const quor::Time begin = ReadMoment(notBefore);
@@ -53,22 +44,52 @@ void HoldBack(const std::string& notBefore, const StopRequest& stop) {
     }
 }
 
+// A read that never returns, from a file system that is gone, must not hold up the machine's own
+// shut-down.
+[[noreturn]] void GiveUp() {
+    quor::Log::GetInstance().Critical("Cannot stop in time; what is in hand waits in work/");
+    quor::Daemon::Instance().Stop();
+    quor::TraceFile::GetInstance().Stop();
+    std::_Exit(1);
+}
+
+// A stop wakes the scan from a thread of its own, which the system may refuse. The controller's
+// destructor tries again; woken from here, the scan has ended by then.
+void StopScan(quor::ThreadController& scan, const Watch& watch) {
+    try {
+        scan.Stop();
+    } catch (const std::system_error& error) {
+        quor::Log::GetInstance().Warning(std::string("Stopping the scan: ") + error.what());
+        watch.Wake();
+    }
+}
+
+// Called where an exception was caught. A refused thread alone has no message of its own.
+void Fail(kit::StopRequest& stop) {
+    try {
+        throw;
+    } catch (const std::system_error& error) {
+        stop.Fail(std::string("Cannot create a thread: ") + error.what());
+    } catch (const std::exception& error) {
+        stop.Fail(error.what());
+    }
+}
+
 // Runs the program's threads until a stop is requested, and ends them in the order in which none
 // misses what it uses.
-void Serve(CommandLine& commandLine, const Options& options, Spool& spool, HeldSignals& held) {
+void Serve(CommandLine& commandLine, const Options& options, Spool& spool, kit::StopRequest& stop) {
     QUOR_TRACE_FNC();
-    StopRequest stop;
     Spooler spooler(spool, stop);
     Workers workers(spooler, stop);
     // Shared: calls of the cancel function may outlive the controller for a moment.
     const auto watch = std::make_shared<const Watch>(options.m_spool);
+    const auto pass = [&spooler, &watch] {
+        spooler.Scan();
+        watch->Wait();
+    };
     quor::ThreadController scan(
-        "scan", [&spooler, &stop, watch] { ScanAndWait(spooler, *watch, stop); },
-        [watch] { watch->Wake(); });
-    Signals signals(commandLine, spooler, stop);
-    const std::unique_ptr<quor::SignalHandlerThread> signalThread(
-        quor::SignalHandlerThread::InstallHandler(signals, Signals::c_numbers));
-    held.LetGo();
+        "scan", [&stop, &pass] { kit::Guard("scan", stop, pass); }, [watch] { watch->Wake(); });
+    kit::SignalThread signals(Signals::Numbers(), Signals(commandLine, spooler, stop));
     try {
         quor::Log::GetInstance().Info("Started on " + Quoted(options.m_spool));
         if (!options.m_notBefore.empty()) {
@@ -82,18 +103,17 @@ void Serve(CommandLine& commandLine, const Options& options, Spool& spool, HeldS
             scan.Start();
             stop.Await();
         }
-    } catch (const std::exception& error) {
-        stop.Fail(error.what());
+    } catch (const std::exception&) {
+        Fail(stop);
     }
-    signalThread->Stop();
-    workers.TerminateAll();
-    scan.Stop();
+    signals.Stop();
+    if (!workers.End()) {
+        GiveUp();
+    }
+    StopScan(scan, *watch);
     quor::Log::GetInstance().Info("Stopped; " + spooler.Summary());
     if (options.m_mode == Options::eOnce && spooler.Refused() > 0) {
         stop.Fail("Not drained; " + spooler.Summary());
-    }
-    if (!stop.Failure().empty()) {
-        throw quor::Exception(stop.Failure(), true);
     }
 }
 
@@ -105,34 +125,41 @@ void Daemonise(const Options& options) {
     }
 }
 
-void Run(CommandLine& commandLine) {
+// Returns the failure that ended the program, empty for none.
+std::string Run(CommandLine& commandLine) {
     const Options options = commandLine.Read();
     // Its lock goes along into the daemon. Static, and older than the Daemon object: the lock goes
     // after the PID file, or the next daemon's PID file could be the one that is removed.
     static Spool spool(options.m_spool);
-    HeldSignals held;
+    kit::HoldSignals(Signals::Numbers());
     if (options.m_mode == Options::eDaemon) {
         Daemonise(options);
     }
+    kit::StopRequest stop;
     try {
-        StartReporting(options);
-        Serve(commandLine, options, spool, held);
-    } catch (const std::exception& error) {
-        quor::Log::GetInstance().Critical(error.what());
-        throw;
+        StartLogAndTrace(options);
+        Serve(commandLine, options, spool, stop);
+    } catch (const std::exception&) {
+        Fail(stop);
     }
+    return stop.Failure();
 }
 
 }  // namespace spoold
 
 int main(int argc, char** argv) try {
+    kit::OpenStandardStreams();
     spoold::CommandLine commandLine(argc, argv);
+    std::string failure;
     try {
-        spoold::Run(commandLine);
+        failure = spoold::Run(commandLine);
     } catch (const CLI::ParseError& error) {
         return commandLine.Exit(error);
     }
-    return 0;
+    if (!failure.empty()) {
+        std::cerr << "spoold: " << failure << std::endl;
+    }
+    return failure.empty() ? 0 : 1;
 } catch (const std::exception& error) {
     std::cerr << "spoold: " << error.what() << std::endl;
     return 1;

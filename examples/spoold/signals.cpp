@@ -8,28 +8,18 @@
 #include <exception>
 #include <string>
 
-#include "reporting.h"
+#include "log_and_trace.h"
 
 namespace spoold {
-namespace {
 
-void ChangeMask(int how) {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int* number = Signals::c_numbers; *number != 0; ++number) {
-        sigaddset(&signals, *number);
-    }
-    pthread_sigmask(how, &signals, nullptr);
+std::vector<int> Signals::Numbers() {
+    return {SIGTERM, SIGINT, SIGHUP, SIGUSR1, SIGUSR2};
 }
 
-}  // namespace
-
-const int Signals::c_numbers[] = {SIGHUP, SIGINT, SIGTERM, SIGUSR1, SIGUSR2, 0};
-
-Signals::Signals(CommandLine& commandLine, const Spooler& spooler, StopRequest& stop)
+Signals::Signals(CommandLine& commandLine, const Spooler& spooler, kit::StopRequest& stop)
     : m_commandLine(commandLine), m_spooler(spooler), m_stop(stop) {}
 
-void Signals::HandleSignal(int number) {
+void Signals::operator()(int number) const {
     quor::Log::GetInstance().Info(std::string("Signal: ") + strsignal(number));
     if (number == SIGTERM || number == SIGINT) {
         m_stop.Request();
@@ -41,9 +31,8 @@ void Signals::HandleSignal(int number) {
     }
 }
 
-// A mistake in the configuration must not end the signal thread; the rotated trace is let go
-// anyway.
-void Signals::Reread() {
+// A mistake in the configuration must not keep the rotated trace open.
+void Signals::Reread() const {
     quor::TraceLevel_e level = quor::TraceActiveLevel();
     try {
         level = static_cast<quor::TraceLevel_e>(m_commandLine.Read().m_level);
@@ -51,14 +40,6 @@ void Signals::Reread() {
         quor::Log::GetInstance().Error(std::string(error.what()) + "; the level stays");
     }
     ReopenTrace(level);
-}
-
-HeldSignals::HeldSignals() {
-    ChangeMask(SIG_BLOCK);
-}
-
-void HeldSignals::LetGo() {
-    ChangeMask(SIG_UNBLOCK);
 }
 
 }  // namespace spoold

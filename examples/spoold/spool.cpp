@@ -9,8 +9,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
-#include "scan.h"
 #include "text.h"
 
 namespace spoold {
@@ -51,6 +52,25 @@ bool Exists(const std::string& path) {
         throw quor::Exception(SystemError("Cannot look at " + Quoted(path)), true);
     }
     return found;
+}
+
+// Sorted, without the names that begin with a dot.
+std::vector<std::string> ListNames(const std::string& folder) {
+    using Iterator = std::filesystem::directory_iterator;
+    std::vector<std::string> names;
+    std::error_code error;
+    for (Iterator entry(folder, error); !error && entry != Iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        if (name.front() != '.') {
+            names.push_back(name);
+        }
+    }
+    if (error) {
+        errno = error.value();
+        throw quor::Exception(SystemError("Cannot list " + Quoted(folder)), true);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 Spool::Spool(const std::string& folder)

@@ -42,7 +42,7 @@ public:
     std::string WorkPath(const std::string& name) const;
     std::string ReportPath(const std::string& name) const;
     /// Where a report grows until it is whole. Beside the taken file, so that a report left
-    /// half-written is written anew with it.
+    /// half-written is overwritten.
     std::string GrowingReportPath(const std::string& name) const;
 
 private:

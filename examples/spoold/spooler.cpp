@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <shared_mutex>
 
 #include "examine.h"
 #include "report.h"
@@ -13,7 +14,7 @@
 
 namespace spoold {
 
-Spooler::Spooler(Spool& spool, const StopRequest& stop) : m_spool(spool), m_stop(stop) {}
+Spooler::Spooler(Spool& spool, const kit::StopRequest& stop) : m_spool(spool), m_stop(stop) {}
 
 void Spooler::Recover() {
     QUOR_TRACE_FNC();
@@ -30,11 +31,14 @@ void Spooler::Recover() {
     }
 }
 
-// A name may be listed again while a worker has it in hand: whoever takes it then finds it gone.
+// A name may be listed again while a worker has it in hand; the worker that takes it then finds it
+// gone.
 void Spooler::Scan() {
     QUOR_TRACE_FNC();
     m_statistics.NextPass();
-    const std::vector<std::string> names = m_spool.Waiting();
+    m_shortage = false;
+    std::vector<std::string> names;
+    TryTwice([this, &names] { names = m_spool.Waiting(); });
     QUOR_TRACE(quor::Medium, "Scan: " << names.size() << " waiting");
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_listed.assign(names.begin(), names.end());
@@ -42,6 +46,21 @@ void Spooler::Scan() {
     std::set_intersection(m_refused.begin(), m_refused.end(), names.begin(), names.end(),
                           std::inserter(stillThere, stillThere.end()));
     m_refused.swap(stillThere);
+    if (!m_listed.empty()) {
+        m_condition.notify_all();
+    }
+}
+
+bool Spooler::AwaitListed() {
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_condition.wait(lock, [this] { return m_closed || !m_listed.empty(); });
+    return !m_closed && !m_stop.IsRequested();
+}
+
+void Spooler::Close() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_closed = true;
+    m_condition.notify_all();
 }
 
 bool Spooler::ProcessNext() {
@@ -106,13 +125,33 @@ std::string Spooler::Take(const std::string& name) {
 
 void Spooler::Process(const std::string& name) {
     QUOR_TRACE_FNC();
-    if (m_spool.HasReport(name) || Report(name)) {
+    bool done = false;
+    TryTwice([this, &name, &done] { done = m_spool.HasReport(name) || Report(name); });
+    if (done) {
         m_spool.Finish(name);
         m_statistics.FileDone();
     } else {
         m_spool.Fail(name);
         m_statistics.FileFailed();
     }
+}
+
+// A shortage may be of our own making, with as many files open as there are workers. So the second
+// try waits until no other has one open, and with the log's file there is then room for ours.
+void Spooler::TryTwice(const std::function<void()>& step) {
+    std::string shortage;
+    try {
+        const std::shared_lock<std::shared_mutex> withOthers(m_opening);
+        step();
+        return;
+    } catch (const Shortage& error) {
+        shortage = error.what();
+    }
+    const std::unique_lock<std::shared_mutex> alone(m_opening);
+    if (!m_shortage.exchange(true)) {
+        quor::Log::GetInstance().Warning(shortage + "; the file is kept and tried again");
+    }
+    step();
 }
 
 // False when the file cannot be read.

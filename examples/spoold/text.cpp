@@ -22,7 +22,12 @@ std::string Quoted(const std::string& text) {
 }
 
 std::string SystemError(const std::string& what) {
-    return what + ": " + std::generic_category().message(errno);
+    const int error = errno;
+    const std::string text = what + ": " + std::generic_category().message(error);
+    if (error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS) {
+        throw Shortage(text);
+    }
+    return text;
 }
 
 }  // namespace spoold

@@ -1,34 +1,40 @@
 #ifndef SPOOLD_WORKERS_H
 #define SPOOLD_WORKERS_H
 
+#include <kit.h>
 #include <quor/synchronizer.h>
-#include <quor/worker_pool.h>
-
-#include <string>
 
 #include "spooler.h"
-#include "stop_request.h"
 
 namespace spoold {
 
 /// The threads that process files, named worker-1, worker-2 and so on.
 ///
-/// What one of them cannot bear ends the program: it goes to `stop`.
-class Workers : public quor::WorkerPool {
+/// An error that is not a file's ends the program: it goes to `stop`.
+class Workers {
 public:
-    /// Starts none. All must outlive the pool.
-    Workers(Spooler& spooler, StopRequest& stop);
+    /// Starts none. Both must outlive the object, which ends the workers that are left.
+    Workers(Spooler& spooler, kit::StopRequest& stop);
 
     /// Starts `count` workers and waits until all of them are at work. Throws quor::Exception when
     /// that takes more than ten seconds, std::system_error when a thread cannot be created.
     void Start(unsigned int count);
+    /// Waits until the files in hand are finished. Returns false, with workers left, when that
+    /// takes more than a minute; otherwise none is left.
+    bool End();
 
 private:
-    quor::WorkerThread* CreateWorker(const std::string& name) override;
+    // Wakes those that sleep, before the pool below is destroyed and joins them.
+    struct Closer {
+        Spooler& m_spooler;
+        ~Closer() { m_spooler.Close(); }
+    };
 
     Spooler& m_spooler;
-    StopRequest& m_stop;
-    quor::Synchronizer m_ready;  // counts those that are not yet at work
+    quor::Synchronizer m_starting;  // counts those that are not yet at work
+    quor::Synchronizer m_working;   // counts those that have not ended
+    kit::Pool m_pool;
+    const Closer m_closer;
 };
 
 }  // namespace spoold

@@ -1,5 +1,5 @@
-#ifndef SPOOLD_REPORTING_H
-#define SPOOLD_REPORTING_H
+#ifndef SPOOLD_LOG_AND_TRACE_H
+#define SPOOLD_LOG_AND_TRACE_H
 
 #include <quor/trace_level.h>
 
@@ -9,9 +9,9 @@ namespace spoold {
 
 /// Starts log and trace as the options say. After daemonising, whose process id they carry, and
 /// before any thread. Throws quor::Exception when a file cannot be written.
-void StartReporting(const Options& options);
+void StartLogAndTrace(const Options& options);
 
-/// Lets go of the trace file, which may have been renamed, and opens it again at `level`. The log
+/// Closes the trace file, which may have been renamed, and opens it again at `level`. The log
 /// says whether it went well; without a trace it only says so.
 void ReopenTrace(quor::TraceLevel_e level);
 

@@ -1,4 +1,4 @@
-#include "reporting.h"
+#include "log_and_trace.h"
 
 #include <quor/exception.h>
 #include <quor/log.h>
@@ -34,7 +34,7 @@ void LogTrace(const std::string& done, int level) {
 
 }  // namespace
 
-void StartReporting(const Options& options) {
+void StartLogAndTrace(const Options& options) {
     quor::VerInfo::Init(c_major, c_minor, c_build, c_revision, c_label, c_compiler, c_buildTime,
                         c_buildMachine, c_buildUser);
     if (!options.m_log.empty() && !quor::Log::Init(options.m_log)) {
@@ -61,7 +61,7 @@ void ReopenTrace(quor::TraceLevel_e level) {
     trace.Reopen();
     trace.SetLevel(level);  // starts a stopped trace, unless the level is the same as before
     trace.Start(level);
-    LogTrace("Trace opened anew at level ", level);
+    LogTrace("Trace reopened at level ", level);
 }
 
 void ChangeTraceLevel(int step) {
