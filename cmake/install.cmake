@@ -29,6 +29,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/quorConfigVersion.cmake
                                  COMPATIBILITY SameMinorVersion)
 install(
     FILES ${PROJECT_BINARY_DIR}/quorConfig.cmake ${PROJECT_BINARY_DIR}/quorConfigVersion.cmake
+          ${PROJECT_SOURCE_DIR}/cmake/names_in_trace.cmake
     DESTINATION ${package_folder}
     COMPONENT development)
 

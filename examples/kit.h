@@ -87,6 +87,26 @@ private:
     std::string m_failure;     // guarded by m_mutex
 };
 
+/// What a loop sleeps on. A ring that comes before the sleep is kept. Any thread.
+class Bell {
+public:
+    void Ring() {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_rung = true;
+        m_condition.notify_all();
+    }
+    void Await() {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_condition.wait(lock, [this] { return m_rung; });
+        m_rung = false;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_condition;
+    bool m_rung = false;  // guarded by m_mutex
+};
+
 /// Runs a thread's work under a name that `ps -T` and gdb show, at most 15 bytes of it. An
 /// exception that leaves the work is logged and ends the program, not only the thread.
 template <typename Work>

@@ -29,5 +29,5 @@ int main() {
     log.Info("room again");  // the log goes on, the trace is silent
     trace.Stop();
     trace.Start(quor::Low);
-    log.Info("trace opened anew");
+    log.Info("trace reopened");
 }

@@ -1,33 +1,23 @@
 // Ends by TERM after "Started" in output.
+#include <kit.h>
 #include <quor/log.h>
-#include <quor/signal_handler.h>
 
 #include <csignal>
-#include <future>
 #include <iostream>
-#include <memory>
-
-class Signals : public quor::SignalHandler {
-public:
-    void HandleSignal(int) override {
-        if (!m_asked) m_stop.set_value();
-        m_asked = true;
-    }
-    std::promise<void> m_stop;
-
-private:
-    bool m_asked = false;  // of the signal thread alone
-};
 
 int main() {
     // No Daemon, no Log::Init, no trace: messages go to standard output.
-    std::cout << std::unitbuf;  // or they wait in the buffer
-    const int numbers[] = {SIGTERM, 0};
-    Signals handler;
-    const std::unique_ptr<quor::SignalHandlerThread> signals(
-        quor::SignalHandlerThread::InstallHandler(handler, numbers));
-    quor::Log::GetInstance().Info("Started");
-    handler.m_stop.get_future().wait();
-    signals->Stop();
+    kit::OpenStandardStreams();
+    std::signal(SIGPIPE, SIG_IGN);  // the reader of our output may go away
+    std::cout << std::unitbuf;      // or messages wait in the buffer
+    kit::StopRequest stop;
+    try {
+        const kit::SignalThread signals({SIGTERM, SIGINT}, [&stop](int) { stop.Request(); });
+        quor::Log::GetInstance().Info("Started");
+        stop.Await();
+    } catch (const std::exception& error) {
+        stop.Fail(error.what());
+    }
     quor::Log::GetInstance().Info("Stopped");
+    return stop.Failure().empty() ? 0 : 1;
 }

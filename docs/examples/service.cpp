@@ -1,54 +1,79 @@
 // Ends by TERM after "Started" in service.log.
+#include <kit.h>
 #include <quor/daemon.h>
+#include <quor/exception.h>
 #include <quor/log.h>
-#include <quor/signal_handler.h>
+#include <quor/thread_controller.h>
 #include <quor/trace.h>
 #include <quor/trace_file.h>
 #include <quor/ver_info.h>
-#include <quor/worker_pool.h>
-#include <quor/worker_thread.h>
 
-#include <future>
-#include <memory>
+#include <csignal>
 
-class Worker : public quor::WorkerThread {
-    using WorkerThread::WorkerThread;
-    void Main() override {
-        while (!StopRequested()) TimedWait(0, 50'000'000);
-    }
-};
-
-class Pool : public quor::WorkerPool {
-    quor::WorkerThread* CreateWorker(const std::string& name) override { return new Worker(name); }
-};
-
-class Signals : public quor::SignalHandler {
+class Drain : public quor::WorkerThread {
 public:
-    void HandleSignal(int) override {
-        if (!m_asked) m_stop.set_value();
-        m_asked = true;
+    Drain(const std::string& name, kit::StopRequest& stop)
+        : WorkerThread(name), m_label(name), m_stop(stop) {}
+
+protected:
+    void Main() override {
+        kit::Guard(m_label, m_stop, [this] {
+            QUOR_TRACE(quor::Low, "at work: " << m_label);
+            while (!StopRequested()) {
+                // ... one piece of work ...
+                TimedWait(0, 50'000'000);
+            }
+        });
     }
-    std::promise<void> m_stop;
 
 private:
-    bool m_asked = false;  // of the signal thread alone
+    const std::string m_label;
+    kit::StopRequest& m_stop;
 };
 
-int main() {
-    if (quor::Daemon::Instance().Start("service.pid") != 0) return 1;  // 1: before any thread
-    quor::VerInfo::Init(1, 4, 27, 903, "guide", "", "", "", "");       // 2: before any header
-    quor::Log::Init("service.log");
+void StartLogAndTrace() {
+    quor::VerInfo::Init(1, 4, 27, 903, "guide", "", "", "", "");  // before any header
+    if (!quor::Log::Init("service.log")) {
+        throw quor::Exception("Cannot write service.log", true);
+    }
     quor::TraceFile::Init("service.trace", ".");
     quor::TraceFile::GetInstance().Start(quor::Low);
-    Signals handler;  // 3: before the threads whose end it asks for
-    const std::unique_ptr<quor::SignalHandlerThread> signals(
-        quor::SignalHandlerThread::InstallHandler(handler, nullptr));
-    Pool pool;  // 4: the work
-    pool.GetWorker("drain")->Start();
-    quor::Log::GetInstance().Info("Started");
+    if (!quor::TraceFile::GetInstance().IsActive()) {
+        quor::Log::GetInstance().Warning("Cannot write service.trace; there is no trace");
+    }
+}
 
-    handler.m_stop.get_future().wait();
-    signals->Stop();
-    pool.TerminateAll();
+void Serve(const std::vector<int>& numbers, kit::StopRequest& stop) {
+    kit::Pool pool([&stop](const std::string& name) { return new Drain(name, stop); });
+    const auto bell = std::make_shared<kit::Bell>();
+    quor::ThreadController scan(
+        "scan", [&stop, bell] { kit::Guard("scan", stop, [&bell] { bell->Await(); }); },
+        [bell] { bell->Ring(); });
+    const kit::SignalThread signals(numbers, [&stop](int number) {
+        if (number == SIGHUP) {
+            quor::TraceFile::GetInstance().Reopen();  // it was rotated
+        } else {
+            stop.Request();
+        }
+    });
+    pool.GetWorker("drain")->Start();
+    scan.Start();
+    quor::Log::GetInstance().Info("Started");
+    stop.Await();
+}  // ends the signal thread, then the scan, then the workers
+
+int main() {
+    const std::vector<int> numbers{SIGTERM, SIGINT, SIGHUP};
+    kit::OpenStandardStreams();
+    kit::HoldSignals(numbers);
+    if (quor::Daemon::Instance().Start("service.pid") != 0) return 1;  // before any thread
+    kit::StopRequest stop;
+    try {
+        StartLogAndTrace();
+        Serve(numbers, stop);
+    } catch (const std::exception& error) {
+        stop.Fail(error.what());
+    }
     quor::Log::GetInstance().Info("Stopped");
+    return stop.Failure().empty() ? 0 : 1;
 }  // the end of the process closes the trace, then deletes the PID file
