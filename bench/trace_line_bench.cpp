@@ -1,4 +1,7 @@
 // What does an open trace line cost, and a message built at its site, on one thread and on more?
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "bench.h"
 
 namespace quor_bench {
@@ -26,6 +29,21 @@ BENCHMARK(TraceLine)
     ->Teardown(StopTrace)
     ->ThreadRange(1, 4)
     ->UseRealTime();
+
+// The same beside a system call alone: what a program without a trace would not pay.
+void BareWrite(benchmark::State& state) {
+    const std::string line(33 + c_text.size() + 1, 'x');
+    const int fd = open("bare.trace", O_WRONLY | O_CREAT | O_APPEND, 0666);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(write(fd, line.data(), line.size()));
+    }
+    close(fd);
+}
+BENCHMARK(BareWrite)->Name("trace line by a bare write/floor");
+BENCHMARK(TraceLine)
+    ->Name("trace line by a bare write/quor")
+    ->Setup(StartTrace)
+    ->Teardown(StopTrace);
 
 // The floor of a message is the line with the same text, ready made.
 void BareMessage(benchmark::State& state) {
