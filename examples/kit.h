@@ -19,6 +19,8 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <system_error>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -58,6 +60,12 @@ public:
         }
         Request();
         quor::Log::GetInstance().Critical(failure);
+    }
+    /// The same for an exception. A refused thread is thrown as std::system_error, whose text alone
+    /// does not tell what was refused.
+    void Fail(const std::exception& error) {
+        const bool isThread = typeid(error) == typeid(std::system_error);
+        Fail((isThread ? "Cannot create a thread: " : "") + std::string(error.what()));
     }
 
     bool IsRequested() const {
@@ -219,8 +227,11 @@ class Pool final : public quor::WorkerPool {
 public:
     using Make = std::function<quor::WorkerThread*(const std::string& name)>;
 
-    /// `make` returns a new worker of that name.
-    explicit Pool(Make make) : m_make(std::move(make)) {}
+    /// `make` returns a new worker of that name. `wake` wakes workers that sleep on something other
+    /// than TimedWait(), once they have been asked to stop.
+    explicit Pool(
+        Make make, std::function<void()> wake = [] {})
+        : m_make(std::move(make)), m_wake(std::move(wake)) {}
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;
     ~Pool() override { End(); }
@@ -230,6 +241,7 @@ public:
             GetWorker(name)->Stop();
         }
         m_names.clear();
+        m_wake();
         TerminateAll();
     }
 
@@ -240,6 +252,7 @@ private:
     }
 
     const Make m_make;
+    const std::function<void()> m_wake;
     std::set<std::string> m_names;  // guarded by the pool's mutex while there are workers to make
 };
 

@@ -16,7 +16,7 @@ int main() {
         quor::Log::GetInstance().Info("Started");
         stop.Await();
     } catch (const std::exception& error) {
-        stop.Fail(error.what());
+        stop.Fail(error);
     }
     quor::Log::GetInstance().Info("Stopped");
     return stop.Failure().empty() ? 0 : 1;

@@ -72,7 +72,7 @@ int main() {
         StartLogAndTrace();
         Serve(numbers, stop);
     } catch (const std::exception& error) {
-        stop.Fail(error.what());
+        stop.Fail(error);
     }
     quor::Log::GetInstance().Info("Stopped");
     return stop.Failure().empty() ? 0 : 1;

@@ -33,7 +33,7 @@ int main() {
         OpenSpool();  // the folder is missing, and two threads run already
         stop.Await();
     } catch (const std::exception& error) {
-        stop.Fail(error.what());
+        stop.Fail(error);
     }
     return stop.Failure().empty() ? 0 : 1;
 }

@@ -64,17 +64,6 @@ void StopScan(quor::ThreadController& scan, const Watch& watch) {
     }
 }
 
-// Called where an exception was caught. A refused thread alone has no message of its own.
-void Fail(kit::StopRequest& stop) {
-    try {
-        throw;
-    } catch (const std::system_error& error) {
-        stop.Fail(std::string("Cannot create a thread: ") + error.what());
-    } catch (const std::exception& error) {
-        stop.Fail(error.what());
-    }
-}
-
 // Runs the program's threads until a stop is requested, and ends them in the order in which none
 // misses what it uses.
 void Serve(CommandLine& commandLine, const Options& options, Spool& spool, kit::StopRequest& stop) {
@@ -103,8 +92,8 @@ void Serve(CommandLine& commandLine, const Options& options, Spool& spool, kit::
             scan.Start();
             stop.Await();
         }
-    } catch (const std::exception&) {
-        Fail(stop);
+    } catch (const std::exception& error) {
+        stop.Fail(error);
     }
     signals.Stop();
     if (!workers.End()) {
@@ -139,8 +128,8 @@ std::string Run(CommandLine& commandLine) {
     try {
         StartLogAndTrace(options);
         Serve(commandLine, options, spool, stop);
-    } catch (const std::exception&) {
-        Fail(stop);
+    } catch (const std::exception& error) {
+        stop.Fail(error);
     }
     return stop.Failure();
 }

@@ -70,10 +70,11 @@ Workers::Workers(Spooler& spooler, kit::StopRequest& stop)
     : m_spooler(spooler),
       m_starting(0, c_iterations, c_iterationMs),
       m_working(0, c_iterations, c_iterationMs),
-      m_pool([this, &stop](const std::string& name) {
-          return new Worker(name, m_spooler, stop, m_starting, m_working);
-      }),
-      m_closer{spooler} {}
+      m_pool(
+          [this, &stop](const std::string& name) {
+              return new Worker(name, m_spooler, stop, m_starting, m_working);
+          },
+          [&spooler] { spooler.Close(); }) {}
 
 void Workers::Start(unsigned int count) {
     QUOR_TRACE_FNC();

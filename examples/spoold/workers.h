@@ -24,17 +24,10 @@ public:
     bool End();
 
 private:
-    // Wakes those that sleep, before the pool below is destroyed and joins them.
-    struct Closer {
-        Spooler& m_spooler;
-        ~Closer() { m_spooler.Close(); }
-    };
-
     Spooler& m_spooler;
     quor::Synchronizer m_starting;  // counts those that are not yet at work
     quor::Synchronizer m_working;   // counts those that have not ended
     kit::Pool m_pool;
-    const Closer m_closer;
 };
 
 }  // namespace spoold
