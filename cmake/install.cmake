@@ -1,7 +1,7 @@
 # What a host needs to be built with the library: cmake --install, into any prefix.
 #   component runtime      the library
-#   component development  headers, link, CMake package, pkg-config, format for lnav; the tools install
-#                          themselves
+#   component development  headers, link, CMake package, pkg-config, guide and examples, format for lnav;
+#                          the tools install themselves
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -60,7 +60,31 @@ install(
     DESTINATION ${CMAKE_INSTALL_DATADIR}/quor/lnav
     COMPONENT development)
 
-option(QUOR_INSTALL_ASSERT_DIRECTORY "Install the folder that a failed assertion writes to" OFF)
+# The guide and its neighbours, in folders as here, so that their links to each other hold.
+if(NOT DEFINED QUOR_DOCUMENTS)
+    set(QUOR_DOCUMENTS ${CMAKE_INSTALL_DOCDIR})
+endif()
+install(
+    DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples ${PROJECT_SOURCE_DIR}/packaging
+    DESTINATION ${QUOR_DOCUMENTS}
+    COMPONENT development
+    FILES_MATCHING
+    PATTERN "*.md"
+    PATTERN "*.svg"
+    PATTERN "*.png"
+    PATTERN "*.h"
+    PATTERN "*.cpp"
+    PATTERN "*.service"
+    PATTERN "*.conf"
+    PATTERN "*.rulebase"
+    PATTERN "*.toml"
+    PATTERN logrotate/spoold
+    PATTERN docs/man EXCLUDE
+    PATTERN packaging/debian EXCLUDE
+    PATTERN packaging/lnav EXCLUDE)
+
+option(QUOR_INSTALL_ASSERT_DIRECTORY
+       "Fail to install where the folder that a failed assertion writes to cannot be made" OFF)
 if(QUOR_INSTALL_ASSERT_DIRECTORY)
     # Only the daemons' group may enter: the reports show what their memory held.
     install(
@@ -68,4 +92,20 @@ if(QUOR_INSTALL_ASSERT_DIRECTORY)
         DESTINATION ${QUOR_ASSERT_DIRECTORY}
         COMPONENT runtime
         DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE)
+elseif(IS_ABSOLUTE ${QUOR_ASSERT_DIRECTORY})
+    # It lies outside the prefix, where who installs may not be allowed to write.
+    install(
+        CODE "
+            set(folder \"\$ENV{DESTDIR}${QUOR_ASSERT_DIRECTORY}\")
+            if(NOT IS_DIRECTORY \"\${folder}\")
+                get_filename_component(parent \"\${folder}\" DIRECTORY)
+                execute_process(COMMAND mkdir -p \"\${parent}\" ERROR_QUIET)
+                execute_process(COMMAND mkdir -m 750 \"\${folder}\" RESULT_VARIABLE result ERROR_QUIET)
+                if(result EQUAL 0)
+                    message(STATUS \"Made for reports of failed assertions: \${folder}\")
+                else()
+                    message(STATUS \"Not allowed to make \${folder}: reports of failed assertions go to standard error\")
+                endif()
+            endif()"
+        COMPONENT runtime)
 endif()

@@ -31,7 +31,8 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Trace, log, reported exceptions and assertions, threads, daemonising and\n\
 signals for the daemons and tools of one product family.\n\
 This package has the headers, the CMake package, the pkg-config file, a\n\
-format for lnav, and quor-timeline, which shows the calls that a trace holds.\n\
+guide with examples, a format for lnav, and quor-timeline, which shows the\n\
+calls that a trace holds.\n\
 Programs that include quor/any.h also need libboost-dev.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${development})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -56,4 +57,8 @@ foreach(component IN ITEMS runtime development)
         RENAME ${${component}}
         COMPONENT ${component})
 endforeach()
+install(
+    FILES ${PROJECT_SOURCE_DIR}/packaging/debian/README.Debian
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${runtime}
+    COMPONENT runtime)
 include(CPack)
