@@ -17,6 +17,7 @@ bool AwaitAll(quor::Synchronizer& barrier, std::chrono::seconds limit) {
 int main() {
     quor::Synchronizer ready(3, 10, 100);  // three to come; ten iterations of 100 ms
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int number = 0; number < 3; ++number) {
         threads.emplace_back([&ready] { ready.Decrement(); });
     }

@@ -23,6 +23,6 @@ int main() {
     quor::TraceFile::GetInstance().Start(quor::Low);
     try {
         Drain("b");
-    } catch (const quor::Exception&) {  // swallowed, and yet it left its mark
+    } catch (const std::exception&) {  // swallowed, and yet it left its mark
     }
 }

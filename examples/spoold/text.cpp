@@ -23,7 +23,7 @@ std::string Quoted(const std::string& text) {
 
 std::string SystemError(const std::string& what) {
     const int error = errno;
-    const std::string text = what + ": " + std::generic_category().message(error);
+    std::string text = what + ": " + std::generic_category().message(error);
     if (error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS) {
         throw Shortage(text);
     }
