@@ -1,6 +1,8 @@
 #ifndef QUOR_ANY_H
 #define QUOR_ANY_H
 
+#include <quor/detail/cxx17.h>
+
 #include <quor/detail/any_value.h>
 #include <quor/exception.h>
 

@@ -1,6 +1,8 @@
 #ifndef QUOR_ANY_REFERENCE_H
 #define QUOR_ANY_REFERENCE_H
 
+#include <quor/detail/cxx17.h>
+
 #include <memory>
 #include <string>
 #include <type_traits>

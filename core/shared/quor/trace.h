@@ -1,6 +1,7 @@
 #ifndef QUOR_TRACE_H
 #define QUOR_TRACE_H
 
+#include <quor/detail/cxx17.h>
 #include <quor/detail/file_stem.h>
 #include <quor/detail/trace_gate.h>
 #include <quor/detail/trace_message.h>

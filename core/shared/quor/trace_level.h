@@ -1,6 +1,8 @@
 #ifndef QUOR_TRACE_LEVEL_H
 #define QUOR_TRACE_LEVEL_H
 
+#include <quor/detail/cxx17.h>
+
 /// The library, except for its macros and three variables.
 namespace quor {
 
