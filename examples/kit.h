@@ -247,8 +247,11 @@ public:
 
 private:
     quor::WorkerThread* CreateWorker(const std::string& name) override {
-        m_names.insert(name);
-        return m_make(name);
+        std::unique_ptr<quor::WorkerThread> worker(m_make(name));
+        if (worker != nullptr) {
+            m_names.insert(name);
+        }
+        return worker.release();
     }
 
     const Make m_make;
