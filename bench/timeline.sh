@@ -25,7 +25,7 @@ awk 'BEGIN {
 }' >"$trace"
 
 floor() { { wc -l "$trace" && grep -c '==>' "$trace"; } | cat; }
-forms=(summary folded chrome speedscope)
+forms=(summary stuck folded chrome speedscope jsonl replay)
 for round in {1..15}; do
     for form in floor "${forms[@]}"; do
         begin=$(date +%s%N)

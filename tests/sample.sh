@@ -11,19 +11,26 @@ expect() { # EXPECTED FOUND
 }
 
 calls=$(cat "$guide") # as the guide shows them
-folded=$("$program" --folded "$trace" 2>/dev/null | sed -E 's/ ([&*])([,)])/\1\2/g' |
+folded=$("$program" --folded "$trace" 2>/dev/null |
     awk -F ';' '!($1 in number) { number[$1] = ++threads } { sub(/^[0-9]+;/, number[$1] " "); sub(/ [0-9]+$/, ""); print }')
 again=$(sed -E 's/^4/8/; s/^3/7/; s/^2/6/; s/^1/5/' <<<"$calls") # the second run's
 expect "$calls"$'\n'"$again" "$folded"
 
-expect "Exceptions
-  1 thrown in sample(Lower())
-  1 thrown in sample(Lower())
-Not finished
-  #: worker stuck was asked to stop, and not destroyed
-  #: worker stuck was asked to stop, and not destroyed" \
-    "$("$program" --summary "$trace" 2>/dev/null | sed -nE 's| in .*/| in |; s/ \[0x[0-9a-f]+\]//
-        s/^  [-0-9]{10} [0-9:.]{18}/  #/; /^Exceptions/,$p')"
+run='Stuck
+  worker stuck, thread #, was asked to stop by thread #, and not destroyed; since
+    WorkerThread::operator()
+  thread #, silent since
+    Lower
+Swallowed
+  1 Critical: The disk is full
+  1 Error: cannot open no-such-file
+  1 WARNING: WorkerThread scan. Error: nothing left to read
+  1 exception: cannot open no-such-file, in Fail
+  1 exception: nothing left to read, in Reader::Main
+  1 exception: of no importance, in Lower'
+expect "$run"$'\n'"$run" "$("$program" "$trace" 2>/dev/null | sed -nE '/^ +count/d; /^Slow/,/^Run/d; /^Run/d
+    s/thread [0-9]+/thread #/g; s/since .*/since/; s|^    [0-9].*  ([^ ]+)  /.*|    \1|
+    s/^ +([0-9]+)  [0-9:.]{18}  [0-9:.]{18}  /  \1 /; p')"
 expect "quor-timeline: lines not understood: 0, exits without entry: 2, calls without exit: 4, clock set back: 0
 exit 1" "$("$program" --strict "$trace" 2>&1 >/dev/null || echo "exit $?")"
 exit $status

@@ -6,31 +6,31 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "calls.h"
 #include "fuzz.h"
 #include "output.h"
+#include "pipeline.h"
 #include "reader.h"
-#include "window.h"
 
 namespace {
 
 class Nesting : public timeline::Sink {
 public:
-    void Enter(std::int64_t thread, const timeline::Call& call) override {
-        Require(call.m_begin >= m_last[thread]);
-        m_last[thread] = call.m_begin;
-        m_open[thread].push_back(call);
+    void Enter(const timeline::Thread& thread, const timeline::Call& call) override {
+        Require(call.m_begin.m_elapsed >= m_last[thread.m_id]);
+        m_last[thread.m_id] = call.m_begin.m_elapsed;
+        m_open[thread.m_id].push_back(call);
     }
-    void Leave(std::int64_t thread, const timeline::Call& call) override {
-        Require(!m_open[thread].empty());
-        const timeline::Call& entered = m_open[thread].back();
+    void Leave(const timeline::Thread& thread, const timeline::Call& call) override {
+        Require(!m_open[thread.m_id].empty());
+        const timeline::Call& entered = m_open[thread.m_id].back();
         Require(entered.m_function == call.m_function && entered.m_site == call.m_site);
-        Require(entered.m_begin == call.m_begin && call.m_end >= m_last[thread]);
-        Require(call.m_inner >= 0 && call.m_inner <= call.m_end - call.m_begin);
-        m_last[thread] = call.m_end;
-        m_open[thread].pop_back();
+        Require(entered.m_begin.m_elapsed == call.m_begin.m_elapsed);
+        Require(call.m_end.m_elapsed >= m_last[thread.m_id]);
+        Require(call.m_inner >= 0 && call.Own() >= 0);
+        m_last[thread.m_id] = call.m_end.m_elapsed;
+        m_open[thread.m_id].pop_back();
     }
-    void EndRun() override {
+    void EndRun(const timeline::Run& /*run*/) override {
         for (const auto& [thread, open] : m_open) {
             Require(open.empty());
         }
@@ -42,47 +42,72 @@ private:
     std::map<std::int64_t, std::int64_t> m_last;
 };
 
-struct Text {
-    std::string m_text;
-    bool m_whole;
+// All, and some of it: by thread and function, by time, and calls that last.
+const timeline::Selection c_selections[] = {
+    {},
+    {{"00100", "101"}, "In", {}},
+    {{}, "", {"00:00:00.5", "00:00:02", 0, 0}},
+    {{}, "", {"", "", 2, 1000}},
 };
-using Texts = std::vector<Text>;
 
-Texts ReadFile(const std::string& path) {
-    Texts texts;
-    timeline::ReadLines(path, {[&texts](std::string_view text, bool whole) {
-                                   texts.push_back({std::string(text), whole});
-                               },
-                               [](std::uint64_t) {}});
-    return texts;
+using timeline::Style;
+
+Style Columns() {
+    Style style;
+    style.m_hasColumns = true;
+    style.m_hasColors = true;
+    style.m_last = 3;
+    style.m_name = timeline::FullName;
+    return style;
 }
 
-void Read(const Texts& texts, timeline::Sink& sink) {
-    timeline::LineReader lines;
-    timeline::Calls calls(sink);
-    for (const Text& text : texts) {
-        calls.Take(lines.Read(text.m_text, text.m_whole));
+struct Trace {
+    struct Text {
+        std::string m_text;
+        bool m_whole;
+    };
+    std::vector<Text> m_texts;
+    timeline::Survey m_survey;
+};
+
+Trace ReadFile(const std::string& path) {
+    Trace trace;
+    try {
+        timeline::ReadLines(path, {[&trace](std::string_view text, bool whole) {
+                                       trace.m_texts.push_back({std::string(text), whole});
+                                   },
+                                   [](std::uint64_t) { return true; }});
+        trace.m_survey = timeline::TakeSurvey({path}, true);
+    } catch (const std::runtime_error&) {  // compressed, and damaged
     }
-    calls.EndRun();
-    sink.Finish();
+    return trace;
 }
 
-// With and without a window of time.
-void ReadTwice(const Texts& texts, timeline::Sink& sink, timeline::Sink& sinkOfWindow) {
-    Read(texts, sink);
-    timeline::Window window(sinkOfWindow, "00:00:00.5", "00:00:02");
-    Read(texts, window);
+void Read(const Trace& trace, const timeline::Selection& selection, timeline::Sink& sink) {
+    timeline::Pipeline pipeline(selection, trace.m_survey.m_firstDay, sink);
+    pipeline.BeginFile("trace");
+    for (const Trace::Text& text : trace.m_texts) {
+        pipeline.Take(text.m_text, text.m_whole);
+    }
+    pipeline.EndFile();
+    pipeline.Finish();
 }
 
-using MakeSink = std::unique_ptr<timeline::Sink>(timeline::Output&);
+enum Form_e { eText, eJson, eJsonLines };
 
-void CheckOutput(const Texts& texts, MakeSink* make, bool isJson) {
-    std::ostringstream stream[2];
-    timeline::Output output[] = {timeline::Output(stream[0]), timeline::Output(stream[1])};
-    ReadTwice(texts, *make(output[0]), *make(output[1]));
-    for (int form = 0; form < 2; ++form) {
-        output[form].Flush();
-        Require(!isJson || nlohmann::json::accept(stream[form].str()));
+using MakeSink = std::unique_ptr<timeline::Sink>(timeline::Output&, const Style&);
+
+void CheckOutput(const Trace& trace, MakeSink* make, Form_e form, const Style& style = {}) {
+    for (const timeline::Selection& selection : c_selections) {
+        std::ostringstream stream;
+        timeline::Output output(stream);
+        Read(trace, selection, *make(output, style));
+        output.Flush();
+        std::istringstream lines(stream.str());
+        for (std::string line; form == eJsonLines && std::getline(lines, line);) {
+            Require(nlohmann::json::accept(line));
+        }
+        Require(form != eJson || nlohmann::json::accept(stream.str()));
     }
 }
 
@@ -91,14 +116,18 @@ void CheckOutput(const Texts& texts, MakeSink* make, bool isJson) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const int file = memfd_create("trace", MFD_CLOEXEC);
     Require(write(file, data, size) == static_cast<ssize_t>(size));
-    const Texts texts = ReadFile("/proc/self/fd/" + std::to_string(file));
+    const Trace trace = ReadFile("/proc/self/fd/" + std::to_string(file));
     close(file);
-    Nesting nesting;
-    Nesting nestingOfWindow;
-    ReadTwice(texts, nesting, nestingOfWindow);
-    CheckOutput(texts, timeline::MakeChrome, true);
-    CheckOutput(texts, timeline::MakeSpeedscope, true);
-    CheckOutput(texts, timeline::MakeFolded, false);
-    CheckOutput(texts, timeline::MakeSummary, false);
+    for (const timeline::Selection& selection : c_selections) {
+        Nesting nesting;
+        Read(trace, selection, nesting);
+    }
+    CheckOutput(trace, timeline::MakeChrome, eJson);
+    CheckOutput(trace, timeline::MakeSpeedscope, eJson);
+    CheckOutput(trace, timeline::MakeJsonLines, eJsonLines);
+    CheckOutput(trace, timeline::MakeFolded, eText);
+    CheckOutput(trace, timeline::MakeSummary, eText);
+    CheckOutput(trace, timeline::MakeReplay, eText);
+    CheckOutput(trace, timeline::MakeReplay, eText, Columns());
     return 0;
 }

@@ -31,27 +31,44 @@ EventLists::~EventLists() {
     close(m_fd);
 }
 
-void EventLists::Append(List& list, const Event& event) {
+off_t EventLists::Append(List& list, const Event& event) {
+    if (list.m_events.empty()) {
+        list.m_place = m_end;
+        m_end += static_cast<off_t>(sizeof(off_t) + c_chunkSize * sizeof(Event));
+    }
+    const off_t place = PlaceOf(list, list.m_events.size());
     list.m_events.push_back(event);
     if (list.m_events.size() == c_chunkSize) {
         Store(list);
     }
+    return place;
+}
+
+void EventLists::Change(List& list, off_t place, const Event& event) {
+    if (!list.m_events.empty() && place >= PlaceOf(list, 0) &&
+        place < PlaceOf(list, list.m_events.size())) {
+        list.m_events[static_cast<std::size_t>(place - PlaceOf(list, 0)) / sizeof(Event)] = event;
+    } else {
+        Put(&event, sizeof(event), place);
+    }
+}
+
+off_t EventLists::PlaceOf(const List& list, std::size_t event) {
+    return list.m_place + static_cast<off_t>(sizeof(off_t) + event * sizeof(Event));
 }
 
 // A chunk is the place of the next one, and the events.
 void EventLists::Store(List& list) {
     const off_t none = -1;
-    const std::size_t size = c_chunkSize * sizeof(Event);
-    Put(&none, sizeof(none), m_end);
-    Put(list.m_events.data(), size, m_end + static_cast<off_t>(sizeof(none)));
+    Put(&none, sizeof(none), list.m_place);
+    Put(list.m_events.data(), c_chunkSize * sizeof(Event), PlaceOf(list, 0));
     if (list.m_last == -1) {
-        list.m_first = m_end;
+        list.m_first = list.m_place;
     } else {
-        Put(&m_end, sizeof(m_end), list.m_last);
+        Put(&list.m_place, sizeof(list.m_place), list.m_last);
     }
-    list.m_last = m_end;
+    list.m_last = list.m_place;
     list.m_events.clear();
-    m_end += static_cast<off_t>(sizeof(none) + size);
 }
 
 std::vector<EventLists::Event> EventLists::Load(off_t& at) const {

@@ -21,7 +21,8 @@ public:
         friend class EventLists;
         off_t m_first = -1;  // where the chunks lie in the file
         off_t m_last = -1;
-        std::vector<Event> m_events;  // that are not there yet
+        off_t m_place = -1;           // of the chunk that is gathered now
+        std::vector<Event> m_events;  // of that chunk
     };
 
     EventLists();
@@ -29,7 +30,9 @@ public:
     EventLists& operator=(const EventLists&) = delete;
     ~EventLists();
 
-    void Append(List& list, const Event& event);
+    /// Returns where the event is, for Change().
+    off_t Append(List& list, const Event& event);
+    void Change(List& list, off_t place, const Event& event);
     template <typename Take>
     void ForEach(const List& list, const Take& take) const {
         for (off_t at = list.m_first; at != -1;) {
@@ -43,6 +46,7 @@ public:
     }
 
 private:
+    static off_t PlaceOf(const List& list, std::size_t event);
     void Store(List& list);
     // The chunk there; `at` becomes the place of the next one.
     std::vector<Event> Load(off_t& at) const;

@@ -1,6 +1,6 @@
 #include "line.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace timeline {
 namespace {
@@ -8,6 +8,7 @@ namespace {
 constexpr std::size_t c_stampLength = 18;  // "15:53:46.123456789"
 constexpr std::size_t c_dateLength = 10;   // "2026-01-31"
 constexpr std::size_t c_ruleLength = 79;
+constexpr std::size_t c_longestId = 18;  // digits of a thread's id
 
 bool IsDigit(char character) {
     return character >= '0' && character <= '9';
@@ -31,10 +32,6 @@ std::int64_t Number(std::string_view text) {
 // -1 when they are none.
 std::int64_t TwoDigits(const char* text) {
     return IsDigit(text[0]) && IsDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -1;
-}
-
-inline bool StartsWith(std::string_view text, std::string_view start) {
-    return text.size() >= start.size() && std::memcmp(text.data(), start.data(), start.size()) == 0;
 }
 
 // A rule ends a block or begins one. It stands behind what a killed process left of its last line.
@@ -76,18 +73,15 @@ void SplitSite(Line& line, std::string_view rest) {
     line.m_text = rest.substr(colon + 2);
 }
 
-// Takes "==> " and its like from the text.
+// Takes "==> " and "<== " from the text.
 void SplitMark(Line& line) {
     constexpr std::string_view c_enter = "==> ";
     constexpr std::string_view c_exit = "<== ";
-    constexpr std::string_view c_place = "** in: ";
-    line.m_kind = StartsWith(line.m_text, c_enter)   ? Line::eEnter
-                  : StartsWith(line.m_text, c_exit)  ? Line::eExit
-                  : StartsWith(line.m_text, c_place) ? Line::eThrown
-                                                     : Line::eRecord;
-    if (line.m_kind != Line::eRecord) {
-        line.m_text.remove_prefix(line.m_kind == Line::eThrown ? c_place.size() : c_enter.size());
-        line.m_kind = EndsInRule(line.m_text) ? Line::eStray : line.m_kind;
+    line.m_kind = StartsWith(line.m_text, c_enter)  ? Line::eEnter
+                  : StartsWith(line.m_text, c_exit) ? Line::eExit
+                                                    : Line::eMessage;
+    if (line.m_kind != Line::eMessage) {
+        line.m_text.remove_prefix(c_enter.size());
     }
 }
 
@@ -95,6 +89,12 @@ Line Stray() {
     Line line;
     line.m_kind = Line::eStray;
     return line;
+}
+
+// True for what begins as a head does, but may be torn or hold an impossible time.
+bool BeginsAsHead(std::string_view text) {
+    const std::size_t digits = text.find_first_not_of("0123456789", 1);
+    return digits == std::string_view::npos || (digits >= 6 && text[digits] == ':');
 }
 
 }  // namespace
@@ -114,7 +114,7 @@ std::int64_t TimeOfDay(std::string_view text) {
     return ((hours * 60 + minutes) * 60 + seconds) * c_second + nanoseconds;
 }
 
-std::int64_t Moment(std::string_view text) {
+std::int64_t ParseMoment(std::string_view text) {
     if (text.size() <= c_dateLength || text[4] != '-' || text[7] != '-' ||
         text[c_dateLength] != ' ') {
         return -1;
@@ -133,29 +133,76 @@ Line LineReader::Read(std::string_view text, bool whole) {
     if (!whole) {
         return Stray();
     }
+    if (!text.empty() && text.back() == '\r') {
+        text.remove_suffix(1);
+    }
     if (!text.empty() && text[0] == '[') {
         return ReadHead(text);
     }
     return EndsInRule(text) ? ReadRule(text) : ReadInside(text);
 }
 
-Line LineReader::ReadHead(std::string_view text) {
-    const std::size_t colon = text.find(": ");
-    if (colon == std::string_view::npos || colon < 6 || colon > 20 ||
-        text.size() < colon + 2 + c_stampLength + 2 ||
-        text.substr(colon + 2 + c_stampLength, 2) != "] ") {
-        return EndsInRule(text) ? ReadRule(text) : Stray();
+// "15:53:46.123456789" in nanoseconds of the day, or -1. Most lines are of the same second as the
+// one before.
+std::int64_t LineReader::ReadTime(std::string_view text) {
+    const std::string_view second = text.substr(0, m_second.size());
+    if (second != std::string_view(m_second.data(), m_second.size())) {
+        m_secondTime = TimeOfDay(second);
+        std::copy(second.begin(), second.end(), m_second.begin());
     }
-    Line line;
+    const std::int64_t nanoseconds = text[second.size()] == '.' ? Number(text.substr(9)) : -1;
+    return m_secondTime < 0 || nanoseconds < 0 ? -1 : m_secondTime + nanoseconds;
+}
+
+// The stamp at the beginning of a head, "[01234: 15:53:46.123456789] "; returns its length, or 0.
+std::size_t LineReader::ReadStamp(std::string_view text, Line& line) {
+    const std::size_t colon = text.substr(0, c_longestId + 2).find(':');
+    const std::size_t length = colon + 2 + c_stampLength + 2;
+    if (text.empty() || text[0] != '[' || colon == std::string_view::npos || colon < 6 ||
+        text.size() < length || text[colon + 1] != ' ' || text.substr(length - 2, 2) != "] ") {
+        return 0;
+    }
     line.m_thread = Number(text.substr(1, colon - 1));
-    line.m_time = TimeOfDay(text.substr(colon + 2, c_stampLength));
-    if (line.m_thread < 0 || line.m_time < 0) {
-        return Stray();
+    line.m_timeOfDay = ReadTime(text.substr(colon + 2, c_stampLength));
+    return line.m_thread < 0 || line.m_timeOfDay < 0 ? 0 : length;
+}
+
+// Where in the text another head begins: behind what is left of a torn line. npos when none does.
+std::size_t LineReader::FindGlued(std::string_view text) {
+    Line line;
+    std::size_t at = text.find('[');
+    while (at != std::string_view::npos && ReadStamp(text.substr(at), line) == 0) {
+        at = text.find('[', at + 1);
     }
-    SplitSite(line, text.substr(colon + 2 + c_stampLength + 2));
-    SplitMark(line);
-    m_place = StartsWith(line.m_text, "0. ") ? eStack : eEntry;
-    return line;
+    return at;
+}
+
+Line LineReader::ReadHead(std::string_view text) {
+    Line line;
+    for (;;) {
+        const std::size_t stamp = ReadStamp(text, line);
+        if (stamp > 0) {
+            SplitSite(line, text.substr(stamp));
+            SplitMark(line);
+            m_place = StartsWith(line.m_text, "0. ") ? eStack : eEntry;
+            if (line.m_kind == Line::eMessage) {
+                return line;
+            }
+        }
+        const std::string_view rest = stamp > 0 ? line.m_text : text;
+        if (EndsInRule(rest)) {
+            return stamp > 0 ? Stray() : ReadRule(text);
+        }
+        const std::size_t glued = FindGlued(rest);
+        if (glued == std::string_view::npos) {
+            return stamp > 0                                   ? line
+                   : m_place == eNowhere || BeginsAsHead(text) ? Stray()
+                                                               : ReadInside(text);
+        }
+        text = rest.substr(glued);
+        line = Line();
+        line.m_isGlued = true;
+    }
 }
 
 Line LineReader::ReadRule(std::string_view text) {
@@ -163,27 +210,36 @@ Line LineReader::ReadRule(std::string_view text) {
     return text.size() == c_ruleLength ? Line() : Stray();
 }
 
+Line LineReader::ReadFact(std::string_view text) {
+    constexpr std::size_t c_labelLength = 18;
+    const std::string_view label = text.substr(0, c_labelLength);
+    Line line;
+    line.m_text = text.substr(label.size());
+    if (label == "* Start time    : " || label == "* End time      : ") {
+        line.m_kind = label[2] == 'S' ? Line::eStart : Line::eEnd;
+        line.m_moment = ParseMoment(line.m_text);
+    } else if (label == "* Process name  : ") {
+        line.m_kind = Line::eName;
+    } else if (label == "* Process id    : ") {
+        line.m_kind = Line::eProcess;
+        line.m_process = Number(line.m_text);
+    }
+    return line.m_moment < 0 || line.m_process < 0 ? Stray() : line;
+}
+
 Line LineReader::ReadInside(std::string_view text) {
-    constexpr std::string_view c_start = "* Start time    : ";
-    constexpr std::string_view c_name = "* Process name  : ";
-    constexpr std::string_view c_process = "* Process id    : ";
     Line line;
     if (text == "* ***** Trace started *****" || text == "* ***** Trace appended *****") {
         line.m_kind = Line::eBanner;
         m_place = eBlock;
-    } else if (m_place == eBlock && StartsWith(text, c_start)) {
-        line.m_time = Moment(text.substr(c_start.size()));
-        line.m_kind = line.m_time < 0 ? Line::eStray : Line::eStart;
-    } else if (m_place == eBlock && StartsWith(text, c_name)) {
-        line.m_text = text.substr(c_name.size());
-        line.m_kind = Line::eName;
-    } else if (m_place == eBlock && StartsWith(text, c_process)) {
-        line.m_thread = Number(text.substr(c_process.size()));
-        line.m_kind = line.m_thread < 0 ? Line::eStray : Line::eProcess;
-    } else if (m_place == eNowhere && !text.empty()) {
-        line.m_kind = Line::eStray;
-    } else if (m_place == eStack && text.empty()) {
-        m_place = eNowhere;
+    } else if (m_place == eBlock) {
+        return ReadFact(text);
+    } else if (m_place == eNowhere) {
+        line.m_kind = text.empty() ? Line::eBlock : Line::eStray;
+    } else {
+        line.m_kind = Line::eMore;
+        line.m_text = text;
+        m_place = m_place == eStack && text.empty() ? eNowhere : m_place;
     }
     return line;
 }

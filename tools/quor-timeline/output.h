@@ -6,9 +6,7 @@
 #include <cstring>
 #include <ostream>
 #include <stdexcept>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace timeline {
@@ -62,22 +60,6 @@ private:
     std::ostream& m_stream;
     std::vector<char> m_buffer;
     std::size_t m_used = 0;
-};
-
-/// What a function makes of a name, kept: names are few, and each stands for one text.
-template <std::string (*c_make)(std::string_view)>
-class Made {
-public:
-    const std::string& operator()(const std::string* name) {
-        const auto [made, isNew] = m_made.try_emplace(name);
-        if (isNew) {
-            made->second = c_make(*name);
-        }
-        return made->second;
-    }
-
-private:
-    std::unordered_map<const std::string*, std::string> m_made;
 };
 
 }  // namespace timeline

@@ -2,21 +2,38 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
+#include <string_view>
 
 namespace timeline {
 namespace {
 
 constexpr std::uint64_t c_large = 64 << 20;
+constexpr std::string_view c_wipe = "\r\033[K";
+
+void WipeAndEnd(int signal) {
+    const ssize_t written = write(STDERR_FILENO, c_wipe.data(), c_wipe.size());
+    static_cast<void>(written);  // nothing more can be done
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
 
 }  // namespace
 
 Progress::Progress(std::uint64_t size)
-    : m_size(size >= c_large && isatty(STDERR_FILENO) == 1 ? size : 0) {}
+    : m_size(size >= c_large && isatty(STDERR_FILENO) == 1 ? size : 0) {
+    if (m_size > 0) {
+        std::signal(SIGINT, WipeAndEnd);
+    }
+}
 
 Progress::~Progress() {
     if (m_shown > 0) {
-        std::fputs("\r\033[K", stderr);
+        std::fwrite(c_wipe.data(), 1, c_wipe.size(), stderr);
+    }
+    if (m_size > 0) {
+        std::signal(SIGINT, SIG_DFL);
     }
 }
 

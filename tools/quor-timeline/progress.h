@@ -5,14 +5,14 @@
 
 namespace timeline {
 
-/// Tells on standard error how much of a large input was read, when that is a terminal.
+/// Tells on standard error how much of a large input was read, when that is a terminal. The line
+/// is wiped at the end, by SIGINT too. One object at a time.
 class Progress {
 public:
     /// `size` is all there is to read, in bytes; 0 when nobody knows.
     explicit Progress(std::uint64_t size);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    /// Wipes the line.
     ~Progress();
 
     void Add(std::uint64_t bytes);

@@ -3,96 +3,105 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
+#include <stdexcept>
 #include <system_error>
-#include <vector>
 
 namespace timeline {
 namespace {
 
 constexpr std::size_t c_longestLine = 1 << 20;
 
-// Cuts what arrives in pieces into lines.
-class Cutter {
-public:
-    explicit Cutter(const Reading& reading) : m_reading(reading), m_buffer(2 * c_longestLine) {}
+using File = std::unique_ptr<gzFile_s, int (*)(gzFile)>;
 
-    // Where the next piece is to be put, and how long it may be.
-    char* Room() { return m_buffer.data() + m_kept; }
-    std::size_t RoomSize() const { return m_buffer.size() - m_kept; }
-
-    void Take(std::size_t size) {
-        const char* begin = m_buffer.data();
-        const char* const end = begin + m_kept + size;
-        const char* searched = begin + m_kept;
-        while (const void* const found =
-                   std::memchr(searched, '\n', static_cast<std::size_t>(end - searched))) {
-            const char* const feed = static_cast<const char*>(found);
-            HandOver(begin, feed, true);
-            begin = searched = feed + 1;
-        }
-        m_kept = static_cast<std::size_t>(end - begin);
-        if (m_kept > c_longestLine) {
-            HandOver(begin, end, true);
-            m_skipping = true;
-            m_kept = 0;
-        }
-        std::memmove(m_buffer.data(), begin, m_kept);
-    }
-    void End() {
-        if (m_kept > 0) {
-            HandOver(m_buffer.data(), m_buffer.data() + m_kept, false);
-        }
-    }
-
-private:
-    void HandOver(const char* begin, const char* end, bool whole) {
-        if (!m_skipping) {
-            const auto size = static_cast<std::size_t>(end - begin);
-            m_reading.m_take({begin, size < c_longestLine ? size : c_longestLine}, whole);
-        }
-        m_skipping = false;
-    }
-
-    const Reading& m_reading;
-    std::vector<char> m_buffer;
-    std::size_t m_kept = 0;   // of a line whose end has not come yet
-    bool m_skipping = false;  // the rest of a line that was handed over
-};
-
-void ReadAll(int fd, const std::string& path, const Reading& reading) {
-    Cutter cutter(reading);
-    ssize_t size = 0;
-    while ((size = read(fd, cutter.Room(), cutter.RoomSize())) > 0) {
-        cutter.Take(static_cast<std::size_t>(size));
-        reading.m_progress(static_cast<std::uint64_t>(size));
-    }
-    if (size < 0) {
+// zlib hands on what is not compressed as it is.
+File Open(const std::string& path) {
+    const int fd = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd == -1) {
         throw std::system_error(errno, std::generic_category(), path);
     }
-    cutter.End();
+    File file(gzdopen(fd, "r"), gzclose);
+    if (file == nullptr) {
+        close(fd);
+        throw std::bad_alloc();
+    }
+    return file;
+}
+
+void ThrowIfFailed(gzFile file, const std::string& path) {
+    int error = Z_OK;
+    const std::string text = gzerror(file, &error);  // "<fd:3>: what"
+    if (error == Z_ERRNO) {
+        throw std::system_error(errno, std::generic_category(), path);
+    }
+    if (error != Z_OK) {
+        throw std::runtime_error(path + text.substr(std::min(text.find(": "), text.size())));
+    }
 }
 
 }  // namespace
 
+LineCutter::LineCutter(const Reading& reading) : m_reading(reading), m_buffer(2 * c_longestLine) {}
+
+void LineCutter::Take(std::size_t size) {
+    const char* begin = m_buffer.data();
+    const char* const end = begin + m_kept + size;
+    const char* searched = begin + m_kept;
+    while (const void* const found =
+               std::memchr(searched, '\n', static_cast<std::size_t>(end - searched))) {
+        const char* const feed = static_cast<const char*>(found);
+        HandOver(begin, feed, true);
+        begin = searched = feed + 1;
+    }
+    m_kept = static_cast<std::size_t>(end - begin);
+    if (m_kept > c_longestLine) {
+        HandOver(begin, end, true);
+        m_skipping = true;
+        m_kept = 0;
+    }
+    std::memmove(m_buffer.data(), begin, m_kept);
+}
+
+void LineCutter::End() {
+    if (m_kept > 0) {
+        HandOver(m_buffer.data(), m_buffer.data() + m_kept, false);
+    }
+    m_kept = 0;
+    m_skipping = false;
+}
+
+void LineCutter::HandOver(const char* begin, const char* end, bool whole) {
+    if (!m_skipping) {
+        const auto size = static_cast<std::size_t>(end - begin);
+        m_reading.m_take({begin, std::min(size, c_longestLine)}, whole);
+    }
+    m_skipping = false;
+}
+
 void ReadLines(const std::string& path, const Reading& reading) {
-    if (path == "-") {
-        ReadAll(STDIN_FILENO, path, reading);
-        return;
+    const File file = Open(path);
+    LineCutter cutter(reading);
+    std::uint64_t read = 0;
+    for (;;) {
+        const int size =
+            gzread(file.get(), cutter.Room(), static_cast<unsigned>(cutter.RoomSize()));
+        if (size <= 0) {
+            break;
+        }
+        cutter.Take(static_cast<std::size_t>(size));
+        const auto at = static_cast<std::uint64_t>(std::max<z_off_t>(gzoffset(file.get()), 0));
+        if (!reading.m_progress(at - std::min(read, at))) {
+            return;
+        }
+        read = std::max(read, at);
     }
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd == -1) {
-        throw std::system_error(errno, std::generic_category(), path);
-    }
-    try {
-        ReadAll(fd, path, reading);
-    } catch (...) {
-        close(fd);
-        throw;
-    }
-    close(fd);
+    ThrowIfFailed(file.get(), path);
+    cutter.End();
 }
 
 std::uint64_t SizeOf(const std::string& path) {

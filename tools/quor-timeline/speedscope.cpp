@@ -1,4 +1,3 @@
-#include <map>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -15,20 +14,28 @@ namespace {
 // A frame is a function together with the site of its entry.
 class Speedscope : public Sink {
 public:
-    explicit Speedscope(Output& output) : m_output(output) {}
+    Speedscope(Output& output, const Style& style) : m_output(output), m_name(style.m_name) {}
 
-    void Run(const Process& process) override {
-        m_process = process.m_name + " " + std::to_string(process.m_id);
+    void BeginRun(const Run& run) override {
+        m_process = run.m_process == 0 ? "" : run.m_name + " " + std::to_string(run.m_process);
+        m_threads.Clear();
     }
-    void Enter(std::int64_t thread, const Call& call) override {
-        Append(thread, {call.m_begin, Frame(call), 1});
+    void Enter(const Thread& thread, const Call& call) override {
+        Profile& profile = ProfileOf(thread, call.m_begin);
+        profile.m_open.push_back(
+            m_lists.Append(profile.m_events, {call.m_begin.m_elapsed, Frame(call, true), 1}));
     }
-    void Leave(std::int64_t thread, const Call& call) override {
-        Append(thread, {call.m_end, Frame(call), 0});
-    }
-    void EndRun() override {
-        m_threads.clear();
-        m_process.clear();
+    void Leave(const Thread& thread, const Call& call) override {
+        Profile& profile = ProfileOf(thread, call.m_begin);
+        const std::uint32_t frame = Frame(call, !call.HasNoExit());
+        if (call.HasNoExit()) {
+            m_lists.Change(profile.m_events, profile.m_open.back(),
+                           {call.m_begin.m_elapsed, frame, 1});
+        }
+        profile.m_open.pop_back();
+        m_lists.Append(profile.m_events, {call.m_end.m_elapsed, frame, 0});
+        profile.m_end = call.m_end.m_elapsed;
+        profile.m_worker = thread.m_worker;
     }
     void Finish() override {
         m_output << "{\"$schema\":\"https://www.speedscope.app/file-format-schema.json\","
@@ -47,43 +54,61 @@ public:
 private:
     struct Profile {
         std::string m_name;
-        std::int64_t m_begin;
+        std::string m_worker;
+        Moment m_begin;
         std::int64_t m_end;
         EventLists::List m_events;
+        std::vector<off_t> m_open;  // entries whose exits are yet to come
     };
-    using FrameKey = std::pair<const std::string*, const std::string*>;
+    struct Number {
+        std::size_t m_profile = SIZE_MAX;  // none yet
+    };
+    struct FrameKey {
+        const Name* m_function;
+        const Name* m_site;
+        bool m_hasExit;
+        bool operator==(const FrameKey& other) const {
+            return m_function == other.m_function && m_site == other.m_site &&
+                   m_hasExit == other.m_hasExit;
+        }
+    };
     struct Hash {
         std::size_t operator()(const FrameKey& key) const {
-            const std::hash<const void*> hash;
-            return hash(key.first) * 31 + hash(key.second);
+            return (key.m_function->m_number * 31 + key.m_site->m_number) * 2 +
+                   (key.m_hasExit ? 1 : 0);
         }
     };
 
-    std::uint32_t Frame(const Call& call) {
+    std::uint32_t Frame(const Call& call, bool hasExit) {
         const auto next = static_cast<std::uint32_t>(m_frames.size());
-        const FrameKey key(call.m_function, call.m_site);
+        const FrameKey key{call.m_function, call.m_site, hasExit};
         const auto [frame, isNew] = m_numbers.try_emplace(key, next);
         if (isNew) {
             m_frames.push_back(key);
         }
         return frame->second;
     }
-    void Append(std::int64_t thread, const EventLists::Event& event) {
-        const auto [number, isNew] = m_threads.try_emplace(thread, m_profiles.size());
-        if (isNew) {
-            const std::string process = m_process.empty() ? "" : m_process + ", ";
-            m_profiles.push_back(
-                {process + "thread " + std::to_string(thread), event.m_time, event.m_time, {}});
+    Profile& ProfileOf(const Thread& thread, const Moment& begin) {
+        std::size_t& number = m_threads[thread].m_profile;
+        if (number == Number().m_profile) {
+            number = m_profiles.size();
+            m_profiles.push_back({(m_process.empty() ? "" : m_process + ", ") + "thread " +
+                                      std::to_string(thread.m_id),
+                                  {},
+                                  begin,
+                                  begin.m_elapsed,
+                                  {},
+                                  {}});
         }
-        Profile& profile = m_profiles[number->second];
-        profile.m_end = event.m_time;
-        m_lists.Append(profile.m_events, event);
+        return m_profiles[number];
     }
     void WriteFrames() {
         const char* separator = "";
-        for (const auto& [function, site] : m_frames) {
-            const std::string members = SiteMembers(*site);
-            m_output << separator << "\n{\"name\":" << Quoted(*function)
+        for (const FrameKey& frame : m_frames) {
+            const std::string members = SiteMembers(frame.m_site->m_text);
+            const std::string name = m_name(frame.m_function->m_text);
+            m_output << separator
+                     << "\n{\"name\":" << Quoted(name + (frame.m_hasExit ? "" : " (no exit)"))
                      << (members.empty() ? "" : ",") << members << "}";
             separator = ",";
         }
@@ -92,23 +117,25 @@ private:
     // a hundred days.
     void WriteProfile(const Profile& profile) {
         m_output << "\n{\"type\":\"evented\",\"name\":"
-                 << Quoted(profile.m_name + ", from " + MomentText(profile.m_begin))
+                 << Quoted(profile.m_name + (profile.m_worker.empty() ? "" : " ") +
+                           profile.m_worker + ", from " + MomentText(profile.m_begin.m_wall))
                  << ",\"unit\":\"nanoseconds\",\"startValue\":0,\"endValue\":"
-                 << profile.m_end - profile.m_begin << ",\"events\":[";
+                 << profile.m_end - profile.m_begin.m_elapsed << ",\"events\":[";
         const char* separator = "";
         m_lists.ForEach(profile.m_events, [&](const EventLists::Event& event) {
             m_output << separator << "\n{\"type\":\"" << (event.m_isEntry != 0 ? "O" : "C")
                      << "\",\"frame\":" << event.m_frame
-                     << ",\"at\":" << event.m_time - profile.m_begin << "}";
+                     << ",\"at\":" << event.m_time - profile.m_begin.m_elapsed << "}";
             separator = ",";
         });
         m_output << "\n]}";
     }
 
     Output& m_output;
+    const NameFnc m_name;
     EventLists m_lists;
     std::string m_process;
-    std::map<std::int64_t, std::size_t> m_threads;  // of this run: their profiles
+    ByThread<Number> m_threads;  // of this run
     std::vector<Profile> m_profiles;
     std::unordered_map<FrameKey, std::uint32_t, Hash> m_numbers;
     std::vector<FrameKey> m_frames;
@@ -116,8 +143,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Sink> MakeSpeedscope(Output& output) {
-    return std::make_unique<Speedscope>(output);
+std::unique_ptr<Sink> MakeSpeedscope(Output& output, const Style& style) {
+    return std::make_unique<Speedscope>(output, style);
 }
 
 }  // namespace timeline
