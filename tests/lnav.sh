@@ -17,6 +17,10 @@ query() { "$lnav" -n -c ";$1" -c ':write-csv-to -' sample.trace sample.log </dev
 "$lnav" -i "$format"
 expect "" "$("$lnav" -n -C 2>&1)"
 
+# What is seen is the lines themselves, but for what lnav puts around them.
+expect "$(grep -cE '==> |\*\* Thrown|Info    : |Critical: ' sample.trace)" \
+    "$("$lnav" -n sample.trace 2>&1 </dev/null | grep -cE '==> |\*\* Thrown|Info    : |Critical: ')"
+
 # The blocks at the top of the files have no level. Each message of the log is in the trace at its time.
 expect "unknown,9,8
 trace,94,0
