@@ -5,7 +5,7 @@
 # timeline/cases is a table. "# " says what a case shows, and begins with an empty folder. "> " is a line of
 # the file "trace", or of the one that ">> FILE" named last: "START DATE TIME PROGRAM PID" is a banner, "END
 # DATE TIME" a trailer, and "101 10:00:01.5 TEXT" the line of a thread. "$ " are arguments; below them stands
-# all that the program then writes to standard output and standard error, and its exit code.
+# all that the program then writes; when it fails, also what it says on standard error, and its exit code.
 set -euo pipefail
 program=$(realpath "$1")
 cd "$(dirname "$0")/timeline"
@@ -30,11 +30,10 @@ written() { # of what makes the lines of a trace
 }
 ran() { # ARGUMENTS: all that the program does
     local code=0
-    if [[ $1 = *.gz ]]; then gzip -kf "${file%.gz}" && head -c 60 "$file.gz" >damaged.gz; fi
+    if [[ $1 = *.gz* ]]; then gzip -kf "${file%.gz}" && head -c 60 "$file.gz" >damaged.gz; fi
     eval "\"$program\" $1" >out 2>told </dev/null || code=$?
     cat out
-    sed 's/^/told: /' told
-    echo "exit $code"
+    [ $code -eq 0 ] || { sed 's/^/told: /' told; echo "exit $code"; }
 }
 check() { # CASE: one by one, the arguments and the lines that are expected
     local line arguments="" expected="" file=trace text=""
@@ -90,6 +89,10 @@ same "a missing file" "quor-timeline: no_such_file: No such file or directory" "
 options() { grep -oE -- '--[a-z]{2,}[a-z-]*' | sort -u; }
 differ=$(diff <("$program" --help | options) <(sed 's/\\-/-/g' "$tables/../../docs/man/quor-timeline.1" | options)) ||
     fail "options in the help and in the manual:"$'\n'"$differ"
+
+# What the page about it shows.
+sed -n '/^==> hanging.trace/,/^==> status/{/^==> /!p}' "$tables/../../docs/examples/hanging.out" >hanging.trace
+same "docs/stuck.txt" "$(cat "$tables/../../docs/stuck.txt")" "$("$program" --stuck hanging.trace 2>/dev/null)"
 
 # As its release 1.25.0 publishes it.
 "$program" --speedscope "$tables/tricky.trace" >speedscope.json 2>/dev/null
