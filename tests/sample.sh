@@ -29,7 +29,7 @@ Swallowed
   1 exception: nothing left to read, in Reader::Main
   1 exception: of no importance, in Lower'
 expect "$run"$'\n'"$run" "$("$program" "$trace" 2>/dev/null | sed -nE '/^ +count/d; /^Slow/,/^Run/d; /^Run/d
-    s/thread [0-9]+/thread #/g; s/since .*/since/; s|^    [0-9].*  ([^ ]+)  /.*|    \1|
+    s/thread [0-9]+/thread #/g; s/since .*/since/; s/^    [0-9].*  ([^ ]+)  [^ ]+$/    \1/
     s/^ +([0-9]+)  [0-9:.]{18}  [0-9:.]{18}  /  \1 /; p')"
 expect "quor-timeline: lines not understood: 0, exits without entry: 2, calls without exit: 4, clock set back: 0
 exit 1" "$("$program" --strict "$trace" 2>&1 >/dev/null || echo "exit $?")"

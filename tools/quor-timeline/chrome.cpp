@@ -16,7 +16,6 @@ public:
           m_nameWithoutExit([name = style.m_name](std::string_view text) {
               return Quoted(name(text) + " (no exit)");
           }),
-          m_siteMembers(SiteMembers),
           m_functionName(style.m_name) {
         m_output << "{\"traceEvents\":[";
     }
@@ -36,7 +35,7 @@ public:
         m_output << ",\"dur\":";
         WriteMicroseconds(call.Duration());
         m_output << ",\"name\":" << (call.HasNoExit() ? m_nameWithoutExit : m_name)(call.m_function)
-                 << ",\"args\":{" << m_siteMembers(call.m_site) << "}}";
+                 << "}";
     }
     void Tell(const Thread& thread, const Message& message) override {
         if (message.m_kind == Message::eText) {
@@ -128,7 +127,6 @@ private:
     Moment m_begin;            // what times are counted from
     Made m_name;
     Made m_nameWithoutExit;
-    Made m_siteMembers;
     NameFnc m_functionName;
 };
 
