@@ -4,8 +4,8 @@
 #
 # timeline/cases is a table. "# " says what a case shows, and begins with an empty folder. "> " is a line of
 # the file "trace", or of the one that ">> FILE" named last: "START DATE TIME PROGRAM PID" is a banner, "END
-# DATE TIME" a trailer, and "101 10:00:01.5 TEXT" the line of a thread. "$ " are arguments; below them stands
-# all that the program then writes; when it fails, also what it says on standard error, and its exit code.
+# DATE TIME" a trailer, and "101 10:00:01.5 TEXT" the line of a thread. "$ " are arguments; below them is all
+# that the program writes; if it fails, also what it says on standard error, and its exit code.
 set -euo pipefail
 program=$(realpath "$1")
 cd "$(dirname "$0")/timeline"

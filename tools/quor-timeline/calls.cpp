@@ -168,7 +168,7 @@ void Calls::Enter(ThreadState& state, const Line& line, const Position& position
     call.m_isRecursive = std::any_of(state.m_stack.rbegin(), end, [&call](const Call& outer) {
         return outer.m_function == call.m_function;
     });
-    m_workers.Enter(state.m_thread, line.m_text);
+    m_workers.Enter(state.m_thread, call);
     state.m_stack.push_back(call);
     m_sink.Enter(state.m_thread, call);
 }

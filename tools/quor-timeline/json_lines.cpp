@@ -31,8 +31,7 @@ public:
         m_output << ",\"depth\":" << static_cast<std::int64_t>(call.m_depth)
                  << m_function(call.m_function) << m_site(call.m_site)
                  << ",\"duration_ns\":" << call.Duration() << ",\"own_ns\":" << call.Own()
-                 << (call.m_ending == Call::eCutOff ? ",\"cut\":true" : "")
-                 << ",\"unfinished\":"
+                 << (call.m_ending == Call::eCutOff ? ",\"cut\":true" : "") << ",\"unfinished\":"
                  << (call.m_ending == Call::eRunEnded ? "true}\n" : "false}\n");
     }
     void Tell(const Thread& thread, const Message& message) override {

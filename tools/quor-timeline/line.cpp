@@ -34,7 +34,7 @@ std::int64_t TwoDigits(const char* text) {
     return IsDigit(text[0]) && IsDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -1;
 }
 
-// A rule ends a block or begins one. It stands behind what a killed process left of its last line.
+// A rule begins or ends a block. It may follow what a killed process left of its last line.
 bool EndsInRule(std::string_view text) {
     return text.size() >= c_ruleLength &&
            text.find_first_not_of('-', text.size() - c_ruleLength) == std::string_view::npos;

@@ -29,7 +29,7 @@ struct Line {
     std::int64_t m_timeOfDay = 0;  // eEnter, eExit, eMessage; nanoseconds
     std::int64_t m_moment = 0;     // eStart, eEnd; nanoseconds since 1970, as if local were UTC
     std::int64_t m_process = 0;    // eProcess
-    std::string_view m_site;       // file and line as they stand; the number may touch the name
+    std::string_view m_site;       // file and line as written; the number may touch the name
     std::string_view m_text;
 
     bool IsOfThread() const { return m_kind >= eEnter; }

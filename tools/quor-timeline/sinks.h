@@ -50,7 +50,7 @@ private:
     std::deque<State> m_states;  // whose elements stay where they are
 };
 
-/// Where in the input something stands; lines count from 1.
+/// A line of the input; lines count from 1.
 struct Position {
     const std::string* m_file = nullptr;
     std::int64_t m_line = 0;

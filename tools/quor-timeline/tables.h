@@ -19,7 +19,7 @@ public:
     void Enter(const Thread& thread, const Call& call);
     void Leave(const Thread& thread, const Call& call);
     void Tell(const Thread& thread, const Message& message);
-    /// Writes the table, if there is anything in it, and begins anew; false when there is nothing.
+    /// Writes the table and clears it. Returns false if there was nothing to write.
     bool EndRun(const Run& run, Output& output, Made& names);
 
 private:

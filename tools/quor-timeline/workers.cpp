@@ -1,18 +1,22 @@
 #include "workers.h"
 
+#include <algorithm>
+
 #include "line.h"
 #include "sinks.h"
 
 namespace timeline {
 
-void Workers::Enter(Thread& thread, std::string_view function) {
-    if (function != c_workerBody || m_started.empty()) {
+void Workers::Enter(Thread& thread, const Call& call) {
+    const bool isBody = call.m_function->m_text == c_workerBody;
+    if (!isBody && call.m_depth > 0) {
         return;
     }
-    if (m_started.size() == 1) {
+    thread.m_worker.clear();  // the kernel uses ids of threads again
+    if (isBody && m_started.size() == 1) {
         thread.m_worker = m_started.front();
         m_started.clear();
-    } else if (++m_nameless == m_started.size()) {
+    } else if (isBody && !m_started.empty() && ++m_nameless == m_started.size()) {
         m_started.clear();
         m_nameless = 0;
     }
@@ -21,10 +25,14 @@ void Workers::Enter(Thread& thread, std::string_view function) {
 void Workers::Take(Thread& thread, const Message& message) {
     const std::string_view started = WorkerOf(message.m_text, "START");
     const std::string_view stopped = WorkerOf(message.m_text, "STOPPED");
+    const std::string_view destroyed = WorkerOf(message.m_text, "DESTROYED");
     if (!started.empty()) {
         m_started.emplace_back(started);
     } else if (!stopped.empty()) {
         thread.m_worker = stopped;  // it is the worker's own thread that says so
+    } else if (!destroyed.empty() && m_nameless == 0) {
+        m_started.erase(std::remove(m_started.begin(), m_started.end(), destroyed),
+                        m_started.end());  // its body was entered unseen
     }
 }
 

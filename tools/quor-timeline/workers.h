@@ -7,6 +7,7 @@
 
 namespace timeline {
 
+struct Call;
 struct Message;
 struct Thread;
 
@@ -14,7 +15,7 @@ struct Thread;
 /// starts it, so the name is given only where no other worker can be meant.
 class Workers {
 public:
-    void Enter(Thread& thread, std::string_view function);
+    void Enter(Thread& thread, const Call& call);
     void Take(Thread& thread, const Message& message);
 
 private:
