@@ -25,10 +25,11 @@ public:
                 ",\"pid\":" + std::to_string(run.m_process) + ",\"run\":\"";
         AppendTime(m_run, run.m_begin.m_wall);
         m_run += "\",\"thread\":";
+        m_heads.Clear();
     }
     void Leave(const Thread& thread, const Call& call) override {
         Begin("call", thread, call.m_begin);
-        m_output << ",\"depth\":" << static_cast<std::int64_t>(call.m_depth)
+        m_output << "\",\"depth\":" << static_cast<std::int64_t>(call.m_depth)
                  << m_function(call.m_function) << m_site(call.m_site)
                  << ",\"duration_ns\":" << call.Duration() << ",\"own_ns\":" << call.Own()
                  << (call.m_ending == Call::eCutOff ? ",\"cut\":true" : "") << ",\"unfinished\":"
@@ -37,7 +38,7 @@ public:
     void Tell(const Thread& thread, const Message& message) override {
         Begin(message.m_kind == Message::eThrown ? "exception" : "message", thread,
               message.m_moment);
-        m_output << ",\"severity\":" << Quoted(KindName(message.m_kind)) << m_site(message.m_site)
+        m_output << "\",\"severity\":" << Quoted(KindName(message.m_kind)) << m_site(message.m_site)
                  << ",\"text\":" << Quoted(message.m_text);
         if (!message.m_place.empty()) {
             m_output << ",\"place\":" << Quoted(PlaceName(message.m_place, m_functionName));
@@ -46,14 +47,23 @@ public:
     }
 
 private:
+    struct Head {
+        std::string m_text;  // from the host to the beginning of the time
+        std::string m_worker;
+    };
+
     void Begin(std::string_view type, const Thread& thread, const Moment& begin) {
+        Head& head = m_heads[thread];
+        if (head.m_text.empty() || head.m_worker != thread.m_worker) {
+            head.m_worker = thread.m_worker;
+            head.m_text =
+                "\"" + m_run + std::to_string(thread.m_id) +
+                (thread.m_worker.empty() ? "" : ",\"worker\":" + Quoted(thread.m_worker)) +
+                ",\"begin\":\"";
+        }
         m_time.clear();
         AppendTime(m_time, begin.m_wall);
-        m_output << "{\"type\":\"" << type << "\"" << m_run << thread.m_id;
-        if (!thread.m_worker.empty()) {
-            m_output << ",\"worker\":" << Quoted(thread.m_worker);
-        }
-        m_output << ",\"begin\":\"" << m_time << "\"";
+        m_output << "{\"type\":\"" << type << head.m_text << m_time;
     }
     // RFC 3339: local time, and -00:00 says that its offset is not known.
     void AppendTime(std::string& text, std::int64_t wall) {
@@ -74,6 +84,7 @@ private:
     Made m_function;
     Made m_site;
     std::string m_run;
+    ByThread<Head> m_heads;
     std::string m_time;
     std::int64_t m_second = -1;  // that m_secondText shows
     std::string m_secondText;

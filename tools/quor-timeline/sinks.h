@@ -3,10 +3,10 @@
 
 #include <array>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "clock.h"
 #include "message.h"
@@ -47,7 +47,7 @@ public:
     void Clear() { m_states.clear(); }
 
 private:
-    std::deque<State> m_states;  // whose elements stay where they are
+    std::vector<State> m_states;
 };
 
 /// A line of the input; lines count from 1.

@@ -22,20 +22,23 @@ public:
     }
     void Enter(const Thread& thread, const Call& call) override {
         Profile& profile = ProfileOf(thread, call.m_begin);
+        const std::uint32_t frame = Frame(call, true);
         profile.m_open.push_back(
-            m_lists.Append(profile.m_events, {call.m_begin.m_elapsed, Frame(call, true), 1}));
+            {m_lists.Append(profile.m_events, {call.m_begin.m_elapsed, frame, 1}), frame});
     }
     void Leave(const Thread& thread, const Call& call) override {
         Profile& profile = ProfileOf(thread, call.m_begin);
-        const std::uint32_t frame = Frame(call, !call.HasNoExit());
-        if (call.HasNoExit()) {
-            m_lists.Change(profile.m_events, profile.m_open.back(),
-                           {call.m_begin.m_elapsed, frame, 1});
-        }
+        auto [entry, frame] = profile.m_open.back();
         profile.m_open.pop_back();
+        if (call.HasNoExit()) {
+            frame = Frame(call, false);
+            m_lists.Change(profile.m_events, entry, {call.m_begin.m_elapsed, frame, 1});
+        }
         m_lists.Append(profile.m_events, {call.m_end.m_elapsed, frame, 0});
         profile.m_end = call.m_end.m_elapsed;
-        profile.m_worker = thread.m_worker;
+        if (profile.m_worker.size() != thread.m_worker.size()) {
+            profile.m_worker = thread.m_worker;
+        }
     }
     void Finish() override {
         m_output << "{\"$schema\":\"https://www.speedscope.app/file-format-schema.json\","
@@ -58,7 +61,8 @@ private:
         Moment m_begin;
         std::int64_t m_end;
         EventLists::List m_events;
-        std::vector<off_t> m_open;  // entries whose exits are yet to come
+        // Entries whose exits are yet to come, and their frames.
+        std::vector<std::pair<off_t, std::uint32_t>> m_open;
     };
     struct Number {
         std::size_t m_profile = SIZE_MAX;  // none yet
@@ -121,12 +125,13 @@ private:
                            profile.m_worker + ", from " + MomentText(profile.m_begin.m_wall))
                  << ",\"unit\":\"nanoseconds\",\"startValue\":0,\"endValue\":"
                  << profile.m_end - profile.m_begin.m_elapsed << ",\"events\":[";
-        const char* separator = "";
+        bool isFirst = true;
         m_lists.ForEach(profile.m_events, [&](const EventLists::Event& event) {
-            m_output << separator << "\n{\"type\":\"" << (event.m_isEntry != 0 ? "O" : "C")
-                     << "\",\"frame\":" << event.m_frame
+            const std::string_view head = event.m_isEntry != 0 ? ",\n{\"type\":\"O\",\"frame\":"
+                                                               : ",\n{\"type\":\"C\",\"frame\":";
+            m_output << head.substr(isFirst ? 1 : 0) << event.m_frame
                      << ",\"at\":" << event.m_time - profile.m_begin.m_elapsed << "}";
-            separator = ",";
+            isFirst = false;
         });
         m_output << "\n]}";
     }
