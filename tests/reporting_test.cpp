@@ -2,6 +2,7 @@
 #include "support.h"
 
 #include <quor/exception.h>
+#include <quor/synchronizer.h>
 
 #include <signal.h>
 
@@ -79,29 +80,31 @@ TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitched) {
 
 // Standard error as a daemon keeps it that wants all in its log.
 struct ToLog : std::stringbuf {
-    ToLog() { std::cerr.rdbuf(this); }
+    explicit ToLog(Synchronizer& toUse) : barrier(toUse) { std::cerr.rdbuf(this); }
     ~ToLog() override { std::cerr.rdbuf(previous); }
     int sync() override {
         Log::GetInstance().Error(str());
+        barrier.Reset(1);
         return 0;
     }
+    Synchronizer& barrier;
     std::streambuf* const previous = std::cerr.rdbuf();
 };
 
 TEST(Reporting, SaysThatTheDiskIsFullAlsoWhereStandardErrorGoesIntoTheLog) {
     const TraceTap trace;
     EXPECT_TRUE(Log::Init("app.log"));
-    for (const bool logged : {false, true}) {
-        const ToLog errors;
+    Synchronizer barrier(1, 1, 1);
+    const std::function<void()> reports[] = {[] { QUOR_TRACE(Low, "lost"); },
+                                             [] { Log::GetInstance().Info("lost"); },
+                                             [&barrier] { barrier.Increment(); }};
+    for (const auto& report : reports) {
+        const ToLog errors(barrier);
         TraceFile::GetInstance().Stop();
         TraceFile::GetInstance().Start(Low);
         const ScopedValue full(g_hooks.diskFull, true);
-        if (logged) {
-            Log::GetInstance().Info("lost");
-        } else {
-            QUOR_TRACE(Low, "lost");
-        }
-        EXPECT_EQ(errors.str(), "Unable to write to log file: trace.log\n") << logged;
+        report();
+        EXPECT_EQ(errors.str(), "Unable to write to log file: trace.log\n");
     }
 }
 

@@ -40,6 +40,9 @@ int main(int /*count*/, char** arguments) {
             for (;;) Report();
         }).detach();
     }
+    std::thread([] {
+        for (;;) quor::TraceWrite(quor::Low, "function", "late_reports", 1, "past the gate");
+    }).detach();
     while (g_reports < 10) {
         std::this_thread::yield();
     }

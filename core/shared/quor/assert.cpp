@@ -20,6 +20,7 @@ namespace quor {
 namespace {
 
 constexpr int c_stackDepth = 64;
+constexpr unsigned c_longestReport = 60;  // seconds
 constexpr timespec c_lastPause = {0, 200'000'000};
 constexpr const char* c_function =
     "void quor::LoggedAssert(const char*, int, const char*, const char*)";
@@ -103,6 +104,17 @@ bool Report(const std::string& failure, const std::string& stack) {
     return reported;
 }
 
+// The report may wait for a mutex whose holder, or for a pipe whose reader, never moves again. The
+// process ends all the same, later.
+void LimitReport() {
+    signal(SIGALRM, [](int /*number*/) { std::abort(); });
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGALRM);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    alarm(c_longestReport);
+}
+
 // Neither cancellation nor a signal that a write causes may end the thread before its report.
 void ShieldThread() {
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
@@ -118,6 +130,7 @@ void ShieldThread() {
 __attribute__((noinline)) void LoggedAssert(const char* file, int line, const char* function,
                                             const char* reason) noexcept {
     ShieldThread();
+    LimitReport();
     std::string failure;
     std::string stack;
     Try([&] { failure = FailureText(file, line, function, reason); });

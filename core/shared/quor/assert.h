@@ -8,12 +8,6 @@
 ///     QUOR_ASSERT(!queue.empty());
 ///
 /// Evaluates the condition once. It is an expression of type void, and active in every build.
-#define QUOR_ASSERT_H
-
-#include <quor/trace.h>
-
-/// Ends the process through LoggedAssert() when `condition`, evaluated once, is false. An
-/// expression; active in every build.
 #define QUOR_ASSERT(...)                                                                    \
     ((__VA_ARGS__) ? static_cast<void>(0)                                                   \
                    : ::quor::LoggedAssert(QUOR_FILE_STEM_(), __LINE__, __PRETTY_FUNCTION__, \
@@ -32,7 +26,8 @@ namespace quor {
 ///
 /// Also traces the failure and logs it as critical. That copy is lost if neither a log file nor a
 /// trace is in use, and so is text that std::cout has not flushed. Synchronises the disks and waits
-/// 200 ms before the end.
+/// 200 ms before the end. If a step hangs, on a mutex or a pipe, the process ends after a minute:
+/// SIGALRM is taken over for that.
 ///
 /// Any thread may call it. Two failures at once write two files, but their reports may mix. `file`
 /// is the name of the source file and `function` its full signature. No text may be null.

@@ -36,8 +36,8 @@ public:
     /// Returns the one instance, made at the first call and destroyed at the end of the process.
     static Daemon& Instance();
 
-    /// Deletes the PID file of another instance, whether or not that still runs. Then detaches: the
-    /// calling process ends, and a child goes on and writes the file `pidFile`.
+    /// Deletes the PID file of another instance, whether or not it is still running. Then detaches:
+    /// the calling process ends, and a child goes on and writes the file `pidFile`.
     ///
     /// Returns 0, also if the file could not be written, and if called again, which changes
     /// nothing. Returns -1 if the other instance's file cannot be deleted, or if detaching failed;

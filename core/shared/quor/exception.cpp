@@ -54,6 +54,7 @@ __attribute__((noinline)) void LogException(const char* text, bool log, void* pl
 
 // When memory is short, what fits into the string itself.
 void Store(std::string& message, const char* text, std::size_t length) noexcept {
+    const detail::ErrnoKeeper keeper;
     try {
         message.assign(text, length);
     } catch (...) {
@@ -62,6 +63,7 @@ void Store(std::string& message, const char* text, std::size_t length) noexcept 
 }
 
 void StoreContents(std::string& message, const std::ostringstream& stream) noexcept {
+    const detail::ErrnoKeeper keeper;
     try {
         message = stream.str();
     } catch (...) {

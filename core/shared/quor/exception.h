@@ -27,8 +27,9 @@ namespace quor {
 ///   - its function has external linkage: it is neither `static` nor in an unnamed namespace, and
 ///   - GCC, if it optimises, is kept from moving throws away (-fno-reorder-blocks-and-partition).
 ///
-/// Building one never fails: if memory is short the text is cut and the report left out. Any
-/// thread; takes only the trace's mutex, for the report. Keeps errno.
+/// Building one never fails: if memory is short the text is cut and the report left out. Copying
+/// one may throw std::bad_alloc. Any thread; takes only the trace's mutex, for the report. Keeps
+/// errno.
 class Exception : public std::exception {
 public:
     /// Copy the text, which must not be null.

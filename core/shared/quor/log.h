@@ -28,12 +28,13 @@ struct LogInternals;
 /// The caller must ensure that
 ///   - Init() is called during start-up, before other threads log;
 ///   - text from outside the program is escaped: it is written as it is;
+///   - a child that is forked while other threads run does not log before it calls exec;
 ///   - the buffer of std::cout does not itself log: a message that goes there would block its own
 ///     thread.
 /// The log guarantees that
 ///   - messages may be logged from any thread, and lines never mix: one mutex is held during the
 ///     whole message, and the trace's is taken inside it;
-///   - logging is no cancellation point.
+///   - logging is not a cancellation point.
 ///
 /// I/O errors are not reported: a message that meets a full disk is lost, and the next one tries
 /// again. Throws std::bad_alloc, std::system_error if the mutex cannot be locked, and what the host

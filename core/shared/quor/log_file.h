@@ -32,7 +32,8 @@ struct LogFileInternals;
 /// only the daemon may enter.
 ///
 /// The caller must serialise the operations of one object, except for the four flag accessors,
-/// which are atomic. No operation is a cancellation point. Throws std::bad_alloc.
+/// which are atomic. No operation is a cancellation point. Throws std::bad_alloc, and what the host
+/// makes std::cerr throw.
 class LogFile {
 public:
     /// A single line feed, for users of the library.
@@ -45,12 +46,12 @@ public:
     /// its own destructor.
     virtual ~LogFile();
 
-    /// Sets or reads whether LineHeader() precedes each line; true at first. Returns true.
+    /// Sets or reads whether LineHeader() precedes each line; true by default. Returns true.
     /// @{
     bool SetPrintLineHeader(const bool& value);
     bool GetPrintLineHeader(bool& value) const;
     /// @}
-    /// Sets or reads whether LineTrailer() follows the text of each line; true at first. Returns
+    /// Sets or reads whether LineTrailer() follows the text of each line; true by default. Returns
     /// true.
     /// @{
     bool SetPrintLineTrailer(const bool& value);

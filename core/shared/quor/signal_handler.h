@@ -35,14 +35,14 @@ public:
 /// The caller must ensure that
 ///   - one thread alone installs, stops and deletes, after Daemon::Start();
 ///   - `handler` outlives the signal thread, and Stop() has returned before the object is deleted;
-///   - a delivery is treated as "look": signals that arrive close together share one slot, and the
-///     handler then gets the later number twice.
+///   - a delivery is taken as a hint to look, not as a count: signals that arrive close together
+///     share one slot, and the handler then gets the later number twice.
 /// The signal thread guarantees that
 ///   - the handler is called once per signal, everything written before InstallHandler() is visible
 ///     to it, and everything it wrote is visible after Stop();
 ///   - the function that handled the signal before is called first, if it takes only the number:
 ///     one installed with SA_SIGINFO is not called. One that a failed InstallHandler() has replaced
-///     is called, too.
+///     is called, too; one that a stopped signal thread has called is not called by the next.
 ///
 /// Dispositions are never restored. The steps are traced at level Medium.
 class SignalHandlerThread {

@@ -1,6 +1,7 @@
 #include <quor/synchronizer.h>
 
 #include <quor/exception.h>
+#include <quor/internal/late_reports.h>
 #include <quor/internal/wall_clock_wait.h>
 #include <quor/trace.h>
 
@@ -24,6 +25,7 @@ Synchronizer::~Synchronizer() {
 }
 
 bool Synchronizer::Wait() {
+    const internal::LateReports reports;
     std::unique_lock<std::mutex> lock(m_mutex);
     for (unsigned int iteration = 0; iteration < m_iterations; ++iteration) {
         // A counter of 0 does not save the last iteration: the limit is looked at first.
@@ -41,6 +43,7 @@ bool Synchronizer::Wait() {
 }
 
 void Synchronizer::Increment() {
+    const internal::LateReports reports;
     const std::lock_guard<std::mutex> lock(m_mutex);
     QUOR_TRACE(Low, "Increment: before" << m_counter);
     ++m_counter;
@@ -48,6 +51,7 @@ void Synchronizer::Increment() {
 }
 
 void Synchronizer::Decrement() {
+    const internal::LateReports reports;
     const std::lock_guard<std::mutex> lock(m_mutex);
     QUOR_TRACE(Low, "Decrement: before" << m_counter);
     if (m_counter > 0) {

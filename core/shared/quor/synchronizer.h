@@ -17,7 +17,7 @@ namespace quor {
 /// returns true.
 ///
 /// Any thread may call any operation; several may wait. Times are measured by the wall clock: one
-/// that is set back makes a wait longer. All steps but Reset() and Cancel() are traced at level
+/// that is set back lengthens a wait. All steps but Reset() and Cancel() are traced at level
 /// Low, with the mutex held. Throws std::system_error if the mutex cannot be locked.
 class Synchronizer {
 public:

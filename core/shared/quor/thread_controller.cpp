@@ -3,6 +3,7 @@
 #include <quor/exception.h>
 #include <quor/internal/cancellation_off.h>
 #include <quor/internal/guarded_call.h>
+#include <quor/internal/late_reports.h>
 #include <quor/internal/wall_clock_wait.h>
 #include <quor/internal/worker_warning.h>
 #include <quor/trace.h>
@@ -46,6 +47,7 @@ ThreadController::ThreadController(std::string name, LoopFnc loopFnc, CancelLoop
 
 ThreadController::~ThreadController() {
     const internal::CancellationOff cancellationOff;
+    const internal::LateReports reports;
     // An asynchronous start that is still under way may come after the stop.
     do {
         RunGuarded(m_name, [this] {
@@ -58,6 +60,7 @@ ThreadController::~ThreadController() {
 }
 
 bool ThreadController::Start() {
+    const internal::LateReports reports;
     std::unique_lock<std::mutex> lock(m_mutex);
     WaitOnStateExit(eTerminating, lock);
     if (m_state == eStopped) {
@@ -67,12 +70,14 @@ bool ThreadController::Start() {
 }
 
 bool ThreadController::Stop() {
+    const internal::LateReports reports;
     std::unique_lock<std::mutex> lock(m_mutex);
     StopLoop(lock);
     return true;
 }
 
 void ThreadController::Restart() {
+    const internal::LateReports reports;
     std::unique_lock<std::mutex> lock(m_mutex);
     StopLoop(lock);
     if (m_state == eStopped) {

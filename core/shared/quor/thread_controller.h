@@ -7,11 +7,11 @@
 #include <mutex>
 #include <string>
 
-/// Polling period of the waits of a thread controller, in milliseconds; 100 at first. A controller
-/// reads it once, when it is constructed.
+/// Polling period of the waits of a thread controller, in milliseconds; 100 by default. A
+/// controller reads it once, when it is constructed.
 extern std::uint32_t cStopSleepPeriodMs;
 
-/// The number of waits after which ThreadController::WaitOnStateEnter() gives up; 100 at first,
+/// The number of waits after which ThreadController::WaitOnStateEnter() gives up; 100 by default,
 /// read at every use.
 extern std::uint32_t cRetryCounter;
 
@@ -31,18 +31,20 @@ using CancelLoopFnc = std::function<void()>;
 /// The caller must ensure that
 ///   - the cancel function makes a pass in progress return or throw, also if it is called just
 ///     before the pass begins to wait;
-///   - both functions bear calls that overlap: while a stop waits, a copy of the cancel function is
+///   - both functions tolerate overlapping calls: while a stop waits, a copy of the cancel function
+///   is
 ///     called at once and then every polling period, each on a thread of its own;
 ///   - everything the cancel function uses outlives it: a copy may outlive the controller;
 ///   - the loop calls neither Stop() nor Restart(), which would wait for itself, nor Start(), which
 ///     would while another thread stops the controller. The asynchronous forms are allowed.
 /// The controller guarantees that
 ///   - no lock is held while either function runs;
-///   - everything written before a start is visible to the loop, and no pass begins after a stop
-///     has returned that found the loop running; everything the last pass wrote is then visible;
+///   - everything written before a start is visible to the loop, and after a stop that found
+///     the loop running no pass begins until the next start, and everything the last pass wrote is
+///     visible;
 ///   - an exception ends the loop, the cancel call or the asynchronous operation that it leaves,
 ///     and is traced as a warning. A cancel thread that cannot be created is traced as well, and
-///     tried again after a period.
+///     tried again one polling period later.
 ///
 /// Any thread may call any operation. Throws std::system_error if the thread of a start or of an
 /// asynchronous operation cannot be created; a start then leaves the controller stopped.
@@ -108,7 +110,7 @@ protected:
     /// not become so within cRetryCounter waits.
     bool WaitOnStateEnter(const State_e& state, std::unique_lock<std::mutex>& lock);
 
-    std::string m_name;                   ///< for messages alone
+    std::string m_name;                   ///< used only in messages
     State_e m_state;                      ///< guarded by m_mutex
     std::condition_variable m_condition;  ///< notified at each change of m_state
     mutable std::mutex m_mutex;           ///< not taken by the asynchronous operations

@@ -98,7 +98,8 @@ void TraceFile::Reopen() {
     using Found = LogFileInternals::Found;
     const Internals::Access access(*this);
     const bool paused = LogFileInternals::IsOpen(*this) && !m_active;
-    if (Internals::s_ended || LogFileInternals::FileName(*this).empty() || !(m_active || paused)) {
+    if (Internals::s_ended || m_level == Off || LogFileInternals::FileName(*this).empty() ||
+        !(m_active || paused)) {
         return;
     }
     // Built first: if memory is short, nothing changes.

@@ -31,8 +31,9 @@ struct TraceFileInternals;
 ///
 /// The caller must ensure that
 ///   - text from outside the program is escaped: it is written as it is;
-///   - children leave by _exit() or exec. One that calls exit() may close the trace it inherited
-///     with a trailer of its own.
+///   - a child that is forked while other threads run neither traces nor logs, since one of them
+///     may have held a mutex, and leaves by _exit() or exec. A child that calls exit() may close
+///     the trace it inherited with a trailer of its own.
 /// The trace guarantees that
 ///   - all operations may be called from any thread and mixed with tracing; its mutex is the
 ///     innermost of the library, and no host code runs while it is held;
@@ -41,11 +42,11 @@ struct TraceFileInternals;
 ///
 /// A file that cannot be opened leaves the trace stopped. A failed write closes the file: later
 /// lines are dropped and IsActive() stays true, until Start() or Reopen() opens it. (A critical log
-/// message then reaches nobody if there is no log file either.) Only a trailer that cannot be
+/// message is then lost unless there is a log file.) Only a trailer that cannot be
 /// written is reported, on std::cerr. Operations throw std::bad_alloc, and std::system_error if the
 /// mutex cannot be locked.
 ///
-/// The one instance is never destroyed. When static objects are destroyed, at the place that its
+/// The one instance is never destroyed. When static objects are destroyed, in the order that its
 /// first use determined, it writes the trailer and stays stopped for good; tracing from later
 /// destructors or from threads that still run does nothing. It waits for its mutex there for up to
 /// 100 ms; if a thread that is gone, or a signal handler's own thread, still holds it, there is no
@@ -68,9 +69,9 @@ public:
     /// Closes the trace; keeps the level.
     void Stop();
     /// Closes the file, which may have been renamed, and opens its name again at the same level.
-    /// Other threads' lines wait meanwhile and are not lost. Also revives a trace that a failed
-    /// write has closed. Does nothing while the trace is stopped or on standard output. A file that
-    /// cannot be opened leaves it stopped; if memory is short, nothing changes.
+    /// Other threads' lines wait meanwhile and are not lost. Also revives a running trace that
+    /// a failed write has closed. Does nothing while the trace is stopped or on standard output. A
+    /// file that cannot be opened leaves it stopped; if memory is short, nothing changes.
     void Reopen();
     /// Closes the gate and leaves the file open.
     void Pause();
@@ -84,18 +85,18 @@ public:
     /// Reads the level last set, whether or not the trace runs. Returns true.
     bool GetLevel(TraceLevel_e& level) const;
 
-    /// Sets or reads whether lines show the source file's name; false at first. A reader cannot
+    /// Sets or reads whether lines show the source file's name; false by default. A reader cannot
     /// tell a name that ends in a digit from the line number behind it. Returns true.
     /// @{
     bool SetPrintFile(const bool& value);
     bool GetPrintFile(bool& value) const;
     /// @}
-    /// Sets or reads whether lines show the source line, four wide; true at first. Returns true.
+    /// Sets or reads whether lines show the source line, four wide; true by default. Returns true.
     /// @{
     bool SetPrintLine(const bool& value);
     bool GetPrintLine(bool& value) const;
     /// @}
-    /// Sets or reads whether DumpStack() writes; false at first. Returns true.
+    /// Sets or reads whether DumpStack() writes; false by default. Returns true.
     /// @{
     bool SetDumpStack(const bool& value);
     bool GetDumpStack(bool& value) const;

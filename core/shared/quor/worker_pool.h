@@ -30,7 +30,7 @@ class WorkerThread;
 ///     GetWorker() makes a new one;
 ///   - its mutex is held while CreateWorker() runs, but never while a worker is stopped, joined or
 ///     deleted;
-///   - after Terminate() everything the worker wrote is visible to the caller.
+///   - after the Terminate() that deleted it, everything the worker wrote is visible to the caller.
 ///
 /// Otherwise any thread may call any operation. Exceptions of the factory, a stop or a join are
 /// passed on. Throws std::system_error if the thread library fails.
@@ -57,7 +57,7 @@ public:
     void TerminateAll();
 
 protected:
-    /// Makes the worker of that name with new, a distinct one at every call, or returns null. Runs
+    /// Creates a new worker of that name, with new, at every call, or returns null. Runs
     /// with the pool's mutex held: it must not call this pool.
     virtual WorkerThread* CreateWorker(const std::string& name) = 0;
 

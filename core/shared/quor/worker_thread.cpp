@@ -3,6 +3,7 @@
 #include <quor/exception.h>
 #include <quor/internal/cancellation_off.h>
 #include <quor/internal/guarded_call.h>
+#include <quor/internal/late_reports.h>
 #include <quor/internal/wall_clock_wait.h>
 #include <quor/internal/worker_warning.h>
 #include <quor/trace.h>
@@ -80,6 +81,7 @@ bool WorkerThread::IsJoinable() const {
 
 void WorkerThread::Start() {
     const TraceFnc fnc("void quor::WorkerThread::Start()", c_file, __LINE__);
+    const internal::LateReports reports;
     std::unique_lock<std::mutex> lock(m_mutex);
     if (m_thread.joinable()) {
         lock.unlock();

@@ -54,7 +54,8 @@ void PutStampBefore(char* begin, const Time& lineTime) {
 // All but the stamp is put together before the mutex is taken.
 void TraceFileInternals::WriteLine(TraceFile& trace, TraceLevel_e level, const char* file, int line,
                                    const RoomyText& text) {
-    if (level <= Off || level > trace.m_level) {
+    // Threads that go on past a closed gate must not keep the mutex from the trailer.
+    if (level <= Off || level > trace.m_level || s_ended) {
         return;
     }
     const bool printFile = trace.m_printFile;
