@@ -11,17 +11,6 @@
 #include <streambuf>
 #include <thread>
 
-// The last steps, which nobody waits for, are said on standard error.
-extern "C" void sync() noexcept {
-    dprintf(STDERR_FILENO, "synced\n");
-}
-
-extern "C" int nanosleep(const timespec* pause, timespec* /*left*/) {
-    return dprintf(STDERR_FILENO, "paused %ld ns\n",
-                   pause->tv_sec * 1'000'000'000 + pause->tv_nsec) *
-           0;
-}
-
 namespace quor_test {
 
 // Fails deep in the stack, where the compiler expects neither a loop nor a jump nor the end.

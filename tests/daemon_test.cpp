@@ -2,26 +2,14 @@
 
 #include "support.h"
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
-
-static bool g_daemonFails = false;
-
-extern "C" int daemon(int nochdir, int noclose) noexcept {
-    if (g_daemonFails) {
-        errno = EAGAIN;
-        return -1;
-    }
-    return reinterpret_cast<decltype(&daemon)>(dlsym(RTLD_NEXT, "daemon"))(nochdir, noclose);
-}
 
 namespace quor_test {
 namespace {
@@ -69,7 +57,7 @@ void Take(const std::string& steps) {
         } else if (step == "exit") {
             exit(0);
         }
-        g_daemonFails = step == "fail";
+        g_hooks.Plan(step == "fail" ? Hooks::Bit(Call::eDaemon) : 0, 1, Harm::eOnce);
         std::ofstream("said", std::ios::app) << result.str();
     }
 }

@@ -56,8 +56,8 @@ TEST(LogFile, GivesNewAndEmptyFilesAHeaderAndMode0666AndOthersABanner) {
 TEST(LogFile, FramesLinesAsTheFlagsSayInOneWriteEach) {
     const Folder folder;
     NotesFile file;
-    const int writes = g_hooks.writes;
-    const int syncs = g_hooks.syncs;
+    const int writes = g_hooks.Calls(Call::eWrite);
+    const int syncs = g_hooks.Calls(Call::eSync);
     EXPECT_TRUE(file.Open("notes", true));
     for (const auto& [header, trailer] :
          {std::pair(true, true), {true, false}, {false, true}, {false, false}}) {
@@ -71,8 +71,8 @@ TEST(LogFile, FramesLinesAsTheFlagsSayInOneWriteEach) {
     std::string block = "block";
     EXPECT_TRUE(file.WriteHeader(block));
     file.Close();
-    EXPECT_EQ(g_hooks.writes - writes, 7);
-    EXPECT_EQ(g_hooks.syncs - syncs, 4);
+    EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 7);
+    EXPECT_EQ(g_hooks.Calls(Call::eSync) - syncs, 4);
     EXPECT_EQ(ReadFile("notes"), "header\n<a\nb>\n<a\nb\na\nb>\na\nb\nblocktrailer\n");
 }
 
@@ -80,7 +80,7 @@ TEST(LogFile, ClosesDescriptor1AndNeitherSeeksNorSyncsIt) {
     const Folder folder;
     const Redirected output(STDOUT_FILENO, "output");
     std::ofstream("output") << "old\n";
-    const int syncs = g_hooks.syncs;
+    const int syncs = g_hooks.Calls(Call::eSync);
     NotesFile file;
     for (const char* name : {"", "first free", "first free"}) {  // the file gets descriptor 1
         EXPECT_TRUE(file.Open(name, true));
@@ -89,7 +89,7 @@ TEST(LogFile, ClosesDescriptor1AndNeitherSeeksNorSyncsIt) {
         file.Close();
         EXPECT_EQ(fcntl(STDOUT_FILENO, F_GETFD), -1);
     }
-    EXPECT_EQ(g_hooks.syncs, syncs);
+    EXPECT_EQ(g_hooks.Calls(Call::eSync), syncs);
     EXPECT_EQ(ReadFile("output"), "old\nheader\n<text>\ntrailer\n");
     EXPECT_EQ(ReadFile("first free"), "header\n<text>\ntrailer\nheader\n<text>\ntrailer\n");
 }

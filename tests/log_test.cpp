@@ -20,12 +20,12 @@ TEST(Log, KeepsAHeaderAndALineForEachMessageInAFileThatMayDisappear) {
     EXPECT_TRUE(Log::Init("app.log"));
     EXPECT_EQ(Masked(ReadFile("app.log")), LogHeader());
     EXPECT_TRUE(Log::Init("app.log"));
-    const int writes = g_hooks.writes;
+    const int writes = g_hooks.Calls(Call::eWrite);
     Log::GetInstance().Info("a");
     Log::GetInstance().Warning("b\nc");
     Log::GetInstance().Error("d");
     Log::GetInstance().Critical("e");
-    EXPECT_EQ(g_hooks.writes - writes, 4);
+    EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 4);
     EXPECT_EQ(
         Masked(ReadFile("app.log")),
         LogHeader() + "[#] Info    : a\n[#] Warning : b\nc\n[#] Error   : d\n[#] Critical: e\n");

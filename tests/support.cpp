@@ -3,8 +3,10 @@
 #include <dlfcn.h>
 #include <poll.h>
 #include <regex.h>
+#include <semaphore.h>
 #include <signal.h>
 #include <sys/inotify.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
@@ -19,9 +21,40 @@ namespace quor_test {
 Hooks g_hooks;
 thread_local int Hooks::allocations = -1;
 
+void Hooks::Plan(unsigned calls, int number, Harm kind) {
+    left = number;
+    harm = kind;
+    harmed = calls;
+}
+
+bool Hooks::Fails(Call call) {
+    const auto index = static_cast<unsigned>(call);
+    ++counts[index];
+    if ((harmed >> index & 1U) == 0) {
+        return false;
+    }
+    const int before = left--;
+    if (before > 1 || (before < 1 && harm != Harm::eFromThenOn)) {
+        return false;
+    }
+    if (met != nullptr) {
+        *met = true;
+    }
+    if (harm == Harm::eKilled) {
+        kill(getpid(), SIGKILL);
+    }
+    // What the calls most likely fail with, in the order of Call.
+    constexpr int c_errors[] = {ENOMEM, EMFILE, ENOSPC, ESPIPE, EIO,    EIO,    EPERM, EIO,
+                                ENOMEM, EINVAL, EAGAIN, EINTR,  EINVAL, EACCES, EAGAIN};
+    errno = harm == Harm::eInterrupted ? EINTR : c_errors[index];
+    return true;
+}
+
 }  // namespace quor_test
 
+using quor_test::Call;
 using quor_test::g_hooks;
+using quor_test::Harm;
 
 extern "C" {
 
@@ -30,11 +63,17 @@ int clock_gettime(clockid_t clock, timespec* now) noexcept {
         *now = {g_hooks.seconds.fetch_add(g_hooks.step), 0};
         return 0;
     }
+    if (g_hooks.Fails(Call::eClock)) {
+        *now = {};  // the C++ library does not look at the result
+        return -1;
+    }
     return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
 }
 
 ssize_t write(int fd, const void* data, size_t size) {
-    g_hooks.writes += size > 0 ? 1 : 0;
+    if (size > 0 && g_hooks.Fails(Call::eWrite)) {
+        return g_hooks.harm == Harm::eShort ? syscall(SYS_write, fd, data, size / 2) : -1;
+    }
     if (g_hooks.diskFull && fd > STDERR_FILENO) {
         errno = ENOSPC;
         return -1;
@@ -42,9 +81,45 @@ ssize_t write(int fd, const void* data, size_t size) {
     return syscall(SYS_write, fd, data, size);
 }
 
-int fsync(int fd) {
-    ++g_hooks.syncs;
-    return static_cast<int>(syscall(SYS_fsync, fd));
+// Defines a function of the C library that fails when asked to: with `failure`, before `outcome`,
+// in which `real` is the library's own. The headers' declarations differ in noexcept and dots.
+#define QUOR_HOOK(type, name, parameters, call, failure, outcome)                \
+    type Hooked_##name parameters __asm__(#name);                                \
+    type Hooked_##name parameters {                                              \
+        static const auto real =                                                 \
+            reinterpret_cast<decltype(&Hooked_##name)>(dlsym(RTLD_NEXT, #name)); \
+        return g_hooks.Fails(call) ? (failure) : (outcome);                      \
+    }
+
+QUOR_HOOK(int, open, (const char* name, int flags, mode_t mode), Call::eOpen, -1,
+          real(name, flags, mode))
+QUOR_HOOK(int, open64, (const char* name, int flags, mode_t mode), Call::eOpen, -1,
+          real(name, flags, mode))
+QUOR_HOOK(FILE*, fopen64, (const char* name, const char* mode), Call::eOpen, nullptr,
+          real(name, mode))
+QUOR_HOOK(long long, lseek64, (int fd, long long offset, int whence), Call::eSeek, -1,
+          real(fd, offset, whence))
+QUOR_HOOK(int, close, (int fd), Call::eClose, (real(fd), -1), real(fd))
+QUOR_HOOK(int, fsync, (int fd), Call::eSync, -1, real(fd))
+QUOR_HOOK(int, fchmod, (int fd, mode_t mode), Call::eMode, -1, real(fd, mode))
+QUOR_HOOK(int, fstat64, (int fd, void* status), Call::eStat, -1, real(fd, status))
+QUOR_HOOK(void*, mmap64, (void* at, size_t size, int access, int flags, int fd, long long offset),
+          Call::eMap, MAP_FAILED, real(at, size, access, flags, fd, offset))
+QUOR_HOOK(int, sem_wait, (sem_t * semaphore), Call::eWait, -1, real(semaphore))
+QUOR_HOOK(sighandler_t, signal, (int number, sighandler_t handler), Call::eSignal, SIG_ERR,
+          real(number, handler))
+QUOR_HOOK(int, remove, (const char* name), Call::eRemove, -1, real(name))
+QUOR_HOOK(int, daemon, (int keepFolder, int keepStreams), Call::eDaemon, -1,
+          real(keepFolder, keepStreams))
+// The last steps of an assertion, which nobody waits for, are said on standard error.
+void sync() noexcept {
+    dprintf(STDERR_FILENO, "synced\n");
+}
+
+int nanosleep(const timespec* pause, timespec* /*left*/) {
+    return dprintf(STDERR_FILENO, "paused %ld ns\n",
+                   pause->tv_sec * 1'000'000'000 + pause->tv_nsec) *
+           0;
 }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -61,10 +136,23 @@ int backtrace(void** frames, int size) {
 
 }  // extern "C"
 
+// The sanitizers need malloc for themselves.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define QUOR_MALLOC std::malloc
+#else
+#define QUOR_MALLOC __libc_malloc
+extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void* Hooked_malloc(std::size_t size) __asm__("malloc");
+void* Hooked_malloc(std::size_t size) {
+    return g_hooks.Fails(Call::eMemory) ? nullptr : QUOR_MALLOC(size);
+}
+#endif
+
 // Not inlined: GCC would see malloc met by delete.
 __attribute__((noinline)) void* operator new(std::size_t size) {
     int& allocations = quor_test::Hooks::allocations;
-    void* const memory = allocations == 0 ? nullptr : std::malloc(size | 1);
+    void* const memory =
+        allocations == 0 || g_hooks.Fails(Call::eMemory) ? nullptr : QUOR_MALLOC(size | 1);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }

@@ -39,15 +39,50 @@ std::string TraceClosing();
 /// Sleeps until `file` holds `text`. After 10 s, a hang, it throws and names the text.
 void WaitForText(const std::string& file, const std::string& text);
 
+/// What support.cpp puts itself in front of: operator new, malloc and functions of the C library.
+enum class Call {
+    eMemory,
+    eOpen,
+    eWrite,  // only with something to write
+    eSeek,
+    eClose,
+    eSync,
+    eMode,
+    eStat,
+    eMap,
+    eClock,
+    eThread,
+    eWait,  // for a semaphore
+    eSignal,
+    eRemove,
+    eDaemon,
+    eCount
+};
+
+/// What comes to a call: failure, once or from then on; for writes, half a write; the failure of an
+/// interrupted call; the end of the process.
+enum class Harm { eOnce, eFromThenOn, eShort, eInterrupted, eKilled };
+
 /// What support.cpp puts in front of the C library, for this program and the library under test.
 struct Hooks {
     std::atomic<bool> fakeClock{false};
     std::atomic<time_t> seconds{0};
     std::atomic<time_t> step{0};
-    std::atomic<int> writes{0};           // calls of write with something to write
-    std::atomic<int> syncs{0};            // calls of fsync
-    std::atomic<bool> diskFull{false};    // for descriptors above 2
+    std::atomic<int> counts[static_cast<int>(Call::eCount)]{};  // by Call
+    std::atomic<bool> diskFull{false};                          // for descriptors above 2
     static thread_local int allocations;  // that operator new still grants; negative: all
+
+    std::atomic<unsigned> harmed{0};  // by Plan()
+    std::atomic<int> left{0};         // calls until harm is done
+    std::atomic<Harm> harm{Harm::eOnce};
+    std::atomic<bool>* met = nullptr;  // set when harm is done, unless null
+
+    static constexpr unsigned Bit(Call call) { return 1U << static_cast<unsigned>(call); }
+    /// Harms the call of that number, from 1, among those of `calls`, a Bit() each; 0 for none.
+    void Plan(unsigned calls, int number, Harm kind);
+    /// Counts the call. Returns whether it is to fail, with errno set.
+    bool Fails(Call call);
+    int Calls(Call call) const { return counts[static_cast<int>(call)]; }
 };
 extern Hooks g_hooks;
 

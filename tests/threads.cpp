@@ -110,6 +110,9 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
                               void* (*body)(void*), void* argument) noexcept {
     static const auto create =
         reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    if (quor_test::g_hooks.Fails(quor_test::Call::eThread)) {
+        return EAGAIN;
+    }
     const char* const script = quor_test::g_threadScript;
     if (*script == '\0') {
         return create(thread, attributes, body, argument);

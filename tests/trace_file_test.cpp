@@ -122,10 +122,10 @@ TEST(TraceFile, PrefixesTextsAsTheFlagsSayAndEndsThemAtTheirNul) {
         EXPECT_TRUE(File().SetPrintFile(file) && File().GetPrintFile(fileRead));
         EXPECT_TRUE(File().SetPrintLine(line) && File().GetPrintLine(lineRead));
         EXPECT_TRUE(fileRead == file && lineRead == line);
-        const int writes = g_hooks.writes;
+        const int writes = g_hooks.Calls(Call::eWrite);
         Line(Low, "a\n\nb");
         Line(Low, std::string("c\0d", 3), 12345);
-        EXPECT_EQ(g_hooks.writes - writes, 2);
+        EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 2);
     }
     EXPECT_EQ(trace.News(),
               "[#: #] file  76: a\n\nb\n[#: #] file12345: c\n"
@@ -178,9 +178,9 @@ TEST(TraceFile, DumpsTheStackAsOneEntryOfNumberedLinesAndAnEmptyOne) {
     DumpAtDepth(1);
     EXPECT_EQ(trace.News(), "");
     File().SetDumpStack(true);
-    const int writes = g_hooks.writes;
+    const int writes = g_hooks.Calls(Call::eWrite);
     DumpAtDepth(2);
-    EXPECT_EQ(g_hooks.writes - writes, 1);
+    EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 1);
     const std::string caller = "\\. [^ ]+\\(quor_test::DumpAtDepth\\(int\\)\\) \\[#]\n";
     EXPECT_THAT(
         trace.News(),
@@ -240,9 +240,10 @@ TEST(TraceFileProcess, NothingKeepsTheProcessFromItsEnd) {
             TraceFile::Init(blocked ? "-" : "trace.log", "");
             File().Start(Low);
             if (blocked) {
-                const int writes = g_hooks.writes;
+                const int writes = g_hooks.Calls(Call::eWrite);
                 std::thread([] { Line(Low, std::string(4096, 'x')); }).detach();
-                while (g_hooks.writes == writes) {  // the line does not fit into the pipe
+                while (g_hooks.Calls(Call::eWrite) ==
+                       writes) {  // the line does not fit into the pipe
                     std::this_thread::yield();
                 }
             }
