@@ -112,28 +112,6 @@ TEST(LoggedAssertDeathTest, ReportsToItsFileOrStandardErrorAndToTraceAndLogThenA
     }
 }
 
-TEST(LoggedAssertDeathTest, NamesTheFailureHoweverLittleMemoryIsLeft) {
-    for (const bool hasFolder : {true, false}) {
-        bool logged = false;
-        for (int allocations = 0; !logged; ++allocations) {
-            const Folder folder;
-            std::filesystem::create_directory(hasFolder ? "reports" : "other");
-            Child host([allocations](Pipe&) {
-                const Redirected standardError(STDERR_FILENO, "errors");
-                Become(c_reporting);
-                Hooks::allocations = allocations;
-                Fail(0);
-            });
-            const std::string id = std::to_string(host.pid);
-            EXPECT_EQ(host.Exit(), -SIGABRT);
-            EXPECT_THAT(ReadFile("reports/assert_" + id + "_" + id + ".log") + ReadFile("errors"),
-                        testing::AllOf(testing::HasSubstr("*** ASSERTION FAILURE: spool.cpp:52"),
-                                       testing::HasSubstr("\n*** REASON: queue not empty\n")));
-            logged = ReadFile("app.log").find("queue not empty") != std::string::npos;
-        }
-    }
-}
-
 TEST(LoggedAssertDeathTest, MacroEvaluatesItsConditionOnceAndNamesIt) {
     int count = 0;
     QUOR_ASSERT(++count == 1);

@@ -44,8 +44,8 @@ bool Hooks::Fails(Call call) {
         kill(getpid(), SIGKILL);
     }
     // What the calls most likely fail with, in the order of Call.
-    constexpr int c_errors[] = {ENOMEM, EMFILE, ENOSPC, ESPIPE, EIO,    EIO,    EPERM, EIO,
-                                ENOMEM, EINVAL, EAGAIN, EINTR,  EINVAL, EACCES, EAGAIN};
+    constexpr int c_errors[] = {ENOMEM, EMFILE, ENOSPC, ESPIPE, EIO,    EIO,    EPERM,  EIO,
+                                ENOMEM, EINVAL, EAGAIN, EINTR,  EINVAL, EACCES, EAGAIN, EINVAL};
     errno = harm == Harm::eInterrupted ? EINTR : c_errors[index];
     return true;
 }
@@ -102,6 +102,7 @@ QUOR_HOOK(long long, lseek64, (int fd, long long offset, int whence), Call::eSee
 QUOR_HOOK(int, close, (int fd), Call::eClose, (real(fd), -1), real(fd))
 QUOR_HOOK(int, fsync, (int fd), Call::eSync, -1, real(fd))
 QUOR_HOOK(int, fchmod, (int fd, mode_t mode), Call::eMode, -1, real(fd, mode))
+QUOR_HOOK(mode_t, umask, (mode_t mask), Call::eMask, real(mask), real(mask))
 QUOR_HOOK(int, fstat64, (int fd, void* status), Call::eStat, -1, real(fd, status))
 QUOR_HOOK(void*, mmap64, (void* at, size_t size, int access, int flags, int fd, long long offset),
           Call::eMap, MAP_FAILED, real(at, size, access, flags, fd, offset))

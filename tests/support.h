@@ -56,6 +56,7 @@ enum class Call {
     eSignal,
     eRemove,
     eDaemon,
+    eMask,  // cannot fail
     eCount
 };
 

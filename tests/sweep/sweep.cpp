@@ -34,7 +34,7 @@ constexpr unsigned c_own = Hooks::Bit(Call::eSignal);  // an Exception
 constexpr unsigned c_system = (Hooks::Bit(Call::eCount) - 1) & ~c_memory;
 
 constexpr unsigned c_hang = 20;  // seconds
-constexpr int c_enough = 20;     // broken promises
+constexpr int c_enough = 3;      // broken promises, for each of two processes
 
 // What all processes of a point see.
 struct Shared {
@@ -136,12 +136,19 @@ TraceFile& Tracing() {
     return TraceFile::GetInstance();
 }
 
+// The name of a source file for which a line has no room.
+const std::string g_longFile(1000, 'f');
+
 // Traces at sites, which throw nothing.
 void Sites(TraceFile& trace) {
     QUOR_TRACE_FNC();
     QUOR_TRACE(Low, "|site" << g_pass << "|");
     QUOR_TRACE(Low, "|long site" << g_pass << std::setw(2000) << "|");
     Try(c_memory, [&] { trace.Trace(Low, "", "site", 1, Text("function", 1000)); });
+    const TraceFnc fnc("f()", g_longFile.c_str(), 1);
+    detail::TraceMessage message;
+    message.Stream() << "|long file" << g_pass << "|";
+    message.Write(Low, "", g_longFile.c_str(), 1);
     Exception(std::string("|short|"), true);
     Exception("as long as does not fit into the text itself", true);
 }
@@ -168,6 +175,7 @@ void TraceAct() {
     if (!g_faulty) {
         RequireIn("rotated.log", Text("site"));
         RequireIn("trace.log", Text("function", 1000));
+        RequireIn("trace.log", g_longFile + "   1: " + Text("long file"));
     }
 }
 
@@ -493,7 +501,10 @@ std::string SweepPoint(const Act& act, const Kind& kind, int number) {
         for (const fs::directory_entry& report : fs::directory_iterator("reports", none)) {
             said += ReadFile(report.path());
         }
-        broken = said.find("REASON: planted") != std::string::npos ? "" : "no report";
+        broken = said.find("FAILURE: sweep.cpp:1") != std::string::npos &&
+                         said.find("REASON: planted") != std::string::npos
+                     ? ""
+                     : "no report";
     }
     if (broken.empty() && kind.harm == Harm::eKilled && g_shared->met) {
         broken = Broken(act, {"", 0, Harm::eOnce}, RunProcess(act, kind, 0));
