@@ -64,6 +64,9 @@ TEST(AnyReference, RefusesOtherTypesAndConstVariablesUntouched) {
     EXPECT_EQ(Thrown([&] { toNumber.Assign("5"); }), begin + "int != char [2]).");
     EXPECT_EQ(Thrown([&] { toFixed.Assign(5); }), begin + "difference in constness of type int).");
     EXPECT_EQ(Thrown([&] { AnyReference(toFixed).Assign(5.0); }), begin + "int != double).");
+    AnyReference assigned(number);
+    assigned = toFixed;
+    EXPECT_EQ(Thrown([&] { assigned.Assign(5); }), begin + "difference in constness of type int).");
     EXPECT_TRUE(number == 3 && fixed == 3 && toFixed.Type() == typeid(int));
     EXPECT_EQ(
         Thrown([] { AnyReference::ThrowTypeException("x", typeid(float), typeid(std::string)); }),

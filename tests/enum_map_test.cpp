@@ -23,18 +23,6 @@ namespace {
 using Colors = quor::EnumMap<Color>;
 using Levels = quor::EnumMap<quor::TraceLevel_e>;
 
-TEST(EnumMap, HoldsTheTraceLevels) {
-    int level = 0;
-    for (const char* name : {"Off", "Low", "Medium", "High", "Detail"}) {
-        EXPECT_STREQ(Levels::ToName(static_cast<quor::TraceLevel_e>(level)), name);
-        EXPECT_STREQ(Levels::ToName(level), name);
-        EXPECT_EQ(Levels::ToValue(name), level++);
-    }
-    EXPECT_EQ(Levels::items.ValueToName().size(), 5u);
-    EXPECT_EQ(Levels::items.NameToValue().size(), 5u);
-    EXPECT_EQ(Levels::items.IntToName().size(), 5u);
-}
-
 TEST(EnumMap, LooksUpValuesAndNamesExactly) {
     EXPECT_STREQ(Colors::ToName(Color::eRed), "red");
     EXPECT_STREQ(Colors::ToName(-1), "red");

@@ -51,16 +51,6 @@ TEST(Exception, ReportsItsTextAndPlaceOrTheWholeStack) {
     EXPECT_EQ(trace.News(), "");
 }
 
-TEST(ExceptionDeathTest, IsBuiltWithoutMemoryBeforeAnythingElse) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto build = [] {
-        const ScopedValue memory(Hooks::allocations, 0);
-        const Exception exception("a text that needs memory", true);
-        _exit(0);
-    };
-    EXPECT_EXIT(build(), testing::ExitedWithCode(0), "");
-}
-
 TEST(Lock, ReleasesInTheOrderGiven) {
     std::mutex a;
     std::mutex b;

@@ -94,22 +94,6 @@ TEST(Log, CopiesMessagesIntoTheRunningTrace) {
               LogHeader() + "[#] Info    : a\n[#] Critical: b\n[#] Critical: c\n");
 }
 
-TEST(Log, LeavesNoDescriptorBehindAfterTenThousandMessages) {
-    const Folder folder;
-    const Redirected output(STDOUT_FILENO, "output");
-    const Redirected errors(STDERR_FILENO, "errors");
-    const auto descriptors = OpenDescriptors();
-    for (const char* name : {"/dev/full", "missing/app.log", "app.log"}) {
-        Log::Init(name);
-        for (int message = 0; message < 10'000; ++message) {
-            const ScopedValue full(g_hooks.diskFull, message % 2 == 0);
-            Log::GetInstance().Info("x");
-        }
-    }
-    EXPECT_EQ(OpenDescriptors(), descriptors);
-    EXPECT_EQ(Masked(ReadFile("app.log")).size(), LogHeader().size() + 5'000 * 16);
-}
-
 TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto report = [] {

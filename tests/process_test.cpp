@@ -1,7 +1,6 @@
 #include "support.h"
 
 #include <climits>
-#include <future>
 #include <map>
 
 extern "C" __attribute__((noinline)) void QuorTestCFunction(std::string& name) {
@@ -55,20 +54,6 @@ TEST(ThisFncName, IsCutAt499CharactersOrTheCLibrarysTextWithoutACxxName) {
     EXPECT_EQ(name.size(), 499u);
     QuorTestCFunction(name);
     EXPECT_THAT(Masked(name), testing::EndsWith("quor_tests(QuorTestCFunction+#) [#]"));
-}
-
-TEST(Process, KnowsItsNameAndTheIdsOfProcessAndThread) {
-    EXPECT_STREQ(GetProgName(), "quor_tests");
-    EXPECT_EQ(GetPid(), getpid());
-    EXPECT_EQ(GetTid(), getpid());
-    EXPECT_NE(std::async(std::launch::async, GetTid).get(), getpid());
-}
-
-TEST(GetTidProcess, IsTheChildsOwnAfterAFork) {
-    EXPECT_EQ(GetTid(), getpid());
-    Child child([](Pipe& parent) { parent.Send(GetTid()); });
-    EXPECT_EQ(child.Receive<pid_t>(), child.pid);
-    EXPECT_EQ(child.Exit(), 0);
 }
 
 }  // namespace quor_test

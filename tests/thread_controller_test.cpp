@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <system_error>
 #include <thread>
 
@@ -267,24 +268,28 @@ TEST(ThreadController, CanBeUsedAfterARefusedThread) {
     EXPECT_EQ(ThreadTap::Lines("thread_controller"), warning + warning);
 }
 
-TEST(ThreadController, EndsStoppedAfterAStormFromEightThreads) {
+TEST(ThreadController, EndsWithItsDestructorAfterAStormFromEightThreads) {
     const ScopedValue period(cStopSleepPeriodMs, 1U);
     const std::function<void(ThreadController&)> operations[] = {
         &ThreadController::Start,     &ThreadController::Stop,         &ThreadController::Restart,
         &ThreadController::AsyncStop, &ThreadController::AsyncRestart, &ThreadController::Start,
         &ThreadController::AsyncStart};
-    ThreadController controller("c", &std::this_thread::yield, Nothing);
+    std::atomic<bool> ended{false};
+    const auto loop = [&ended] { EXPECT_FALSE(ended), std::this_thread::yield(); };
+    std::optional<ThreadController> controller(std::in_place, "c", loop, Nothing);
     std::vector<std::thread> threads;
     for (std::size_t thread = 0; thread < 8; ++thread) {
         threads.emplace_back([&, thread] {
             for (std::size_t pass = 0; pass < 100; ++pass) {
-                operations[(thread + pass) % std::size(operations)](controller);
+                operations[(thread + pass) % std::size(operations)](*controller);
             }
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
+    controller.reset();
+    ended = true;
 }
 
 TEST(ThreadController, CanBeDestroyedTheMomentItsLoopEnds) {

@@ -280,6 +280,13 @@ TEST(TraceFile, AFailureStopsItUntilTheNextStart) {
         File().SetLevel(High);  // kept
         EXPECT_FALSE(File().IsActive() || TraceGateOpen(Low)) << name;
     }
+    std::filesystem::create_directory("folder");
+    TraceFile::Init("trace.log", "folder");
+    File().Start(High);
+    std::filesystem::rename("folder", "moved");
+    File().Reopen();
+    EXPECT_FALSE(File().IsActive() || TraceGateOpen(Low));
+    TraceFile::Init("trace.log", "");
     File().Start(Medium);
     {
         const ScopedValue full(g_hooks.diskFull, true);
