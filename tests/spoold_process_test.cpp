@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <set>
+#include <thread>
 
 #include "support.h"
 
@@ -146,6 +148,17 @@ TEST_F(SpooldProcess, EveryFileHasOneReportHoweverOftenItIsKilled) {
     EXPECT_EQ(In("spool/done"), expected);
 }
 
+// All of its threads, since any of them may take a signal.
+bool IsStopped(pid_t process) {
+    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
+    return std::all_of(begin(threads), end(threads), [](const auto& thread) {
+        std::string state;
+        std::ifstream stat(thread.path() / "stat");
+        std::getline(stat, state);
+        return state.find(") T ") != std::string::npos;
+    });
+}
+
 TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
     const std::string settings = "spool = spool\nlog = log\ntrace = trace\n";
     Write("conf", settings + "level = Medium");
@@ -173,7 +186,11 @@ TEST_F(SpooldProcess, DaemonObeysItsSignalsUntilItsPidFileIsGone) {
     }
     Drop("late");
     WaitForText("trace", "Done: 'late'");
-    for (const int number : {SIGSTOP, SIGTERM, SIGHUP, SIGUSR1, SIGCONT}) {
+    kill(daemon, SIGSTOP);
+    while (!IsStopped(daemon)) {
+        std::this_thread::yield();
+    }
+    for (const int number : {SIGTERM, SIGHUP, SIGUSR1, SIGCONT}) {
         kill(daemon, number);  // it gets all of them at once, and loses none
     }
     spoold.AwaitHangUp();

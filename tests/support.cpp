@@ -102,6 +102,7 @@ QUOR_HOOK(long long, lseek64, (int fd, long long offset, int whence), Call::eSee
 QUOR_HOOK(int, close, (int fd), Call::eClose, (real(fd), -1), real(fd))
 QUOR_HOOK(int, fsync, (int fd), Call::eSync, -1, real(fd))
 QUOR_HOOK(int, fchmod, (int fd, mode_t mode), Call::eMode, -1, real(fd, mode))
+// NOLINTNEXTLINE(bugprone-branch-clone): it is counted, and never fails
 QUOR_HOOK(mode_t, umask, (mode_t mask), Call::eMask, real(mask), real(mask))
 QUOR_HOOK(int, fstat64, (int fd, void* status), Call::eStat, -1, real(fd, status))
 QUOR_HOOK(void*, mmap64, (void* at, size_t size, int access, int flags, int fd, long long offset),
@@ -143,8 +144,8 @@ int backtrace(void** frames, int size) {
 #else
 #define QUOR_MALLOC __libc_malloc
 extern "C" void* __libc_malloc(std::size_t size);
-extern "C" void* Hooked_malloc(std::size_t size) __asm__("malloc");
-void* Hooked_malloc(std::size_t size) {
+extern "C" void* HookedMalloc(std::size_t size) __asm__("malloc");
+void* HookedMalloc(std::size_t size) {
     return g_hooks.Fails(Call::eMemory) ? nullptr : QUOR_MALLOC(size);
 }
 #endif

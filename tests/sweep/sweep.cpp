@@ -149,8 +149,8 @@ void Sites(TraceFile& trace) {
     detail::TraceMessage message;
     message.Stream() << "|long file" << g_pass << "|";
     message.Write(Low, "", g_longFile.c_str(), 1);
-    Exception(std::string("|short|"), true);
-    Exception("as long as does not fit into the text itself", true);
+    const Exception fits(std::string("|short|"), true);
+    const Exception exceeds("as long as does not fit into the text itself", true);
 }
 
 void TraceAct() {
