@@ -8,6 +8,7 @@
 #include <quor/internal/time_text.h>
 #include <quor/internal/trace_file_internals.h>
 
+#include <algorithm>
 #include <iostream>
 
 namespace quor {
