@@ -8,15 +8,13 @@ namespace quor {
 
 /// Holds the version and build facts of the host program, one record per process.
 ///
-///     quor::VerInfo::Init(2, 8, 40, 1234, "rc1", "g++ 12.2", "2026-01-31 08:00:00", "builder",
-///     "ci"); quor::VerInfo::Dump();
+///     quor::VerInfo::Init(2, 8, 40, 1234, "rc1", __VERSION__, "2026-01-31", "builder", "ci");
 ///
 /// Log and trace print VersionString() in their file headers. Until Init() the numbers are 0,
 /// Label() is "build info not set" and the other texts are empty.
 ///
 /// The caller must ensure that Init() is called before other threads read the record: they hold
-/// references into it. The record is created on first use, on any thread, and never destroyed, so
-/// that headers can be written until the very end of the process.
+/// references into it. The record is created on first use, on any thread, and never destroyed.
 class VerInfo {
 public:
     VerInfo(const VerInfo&) = delete;
@@ -26,8 +24,8 @@ public:
     /// Returns the record.
     static VerInfo& GetInstance();
 
-    /// Overwrites the whole record; may be called again. No text may be null. Throws std::bad_alloc
-    /// and then leaves the record as it is.
+    /// Overwrites the whole record; no text may be null. Changes nothing if it throws
+    /// std::bad_alloc.
     static void Init(int major, int minor, int build, int revision, const char* label,
                      const char* compiler, const char* buildTime, const char* buildMachine,
                      const char* buildUser);
@@ -47,8 +45,7 @@ public:
     /// Returns "major.minor-build-rrevision label"; with an empty label it ends in the blank.
     static const std::string& VersionString();
 
-    /// Prints the record to standard output, five lines, each flushed. The line "Revision:" shows
-    /// the whole version string.
+    /// Prints the record to standard output: five lines, each flushed; "Revision:" is the version.
     static void Dump();
 
 private:

@@ -22,18 +22,15 @@ class WorkerThread;
 /// The caller must ensure that
 ///   - TerminateAll() comes before the destructor, which only traces a warning for each worker
 ///     that is left, and leaves it to its holders;
-///   - nobody asks for, starts or uses a worker while its name is being terminated;
-///   - no other thread uses the pool while TerminateAll() runs. The workers themselves and their
-///     destructors may call GetWorker() then.
+///   - nobody uses a worker while its name is being terminated, and no other thread the pool while
+///     TerminateAll() runs. Workers and their destructors may call GetWorker() then.
 /// The pool guarantees that
-///   - a name has at most one worker. It stays in the table when that is deleted, and the next
-///     GetWorker() makes a new one;
-///   - its mutex is held while CreateWorker() runs, but never while a worker is stopped, joined or
-///     deleted;
+///   - a name has at most one worker; once that is deleted, the next GetWorker() makes another;
+///   - its mutex is held while CreateWorker() runs, never while a worker is stopped or deleted;
 ///   - after the Terminate() that deleted it, everything the worker wrote is visible to the caller.
 ///
-/// Otherwise any thread may call any operation. Exceptions of the factory, a stop or a join are
-/// passed on. Throws std::system_error if the thread library fails.
+/// Any thread may call any operation. Exceptions of the factory, a stop or a join are passed on.
+/// Throws std::system_error if the thread library fails.
 class WorkerPool {
 public:
     WorkerPool();
@@ -41,31 +38,29 @@ public:
     WorkerPool& operator=(const WorkerPool&) = delete;
     virtual ~WorkerPool();
 
-    /// Returns the worker of that name, which the pool owns; makes one if there is none, and does
-    /// not start it. Returns null if the factory makes none. Throws Exception if it makes one of
-    /// another name, which is then deleted.
+    /// Returns the worker of that name, which the pool owns; creates one, not started, if there is
+    /// none. Returns null if the factory does. Throws Exception, and deletes the worker, if the
+    /// factory gave it another name.
     WorkerThread* GetWorker(const std::string& name);
 
-    /// Stops the worker, waits for its Main() to return, and deletes it. A worker that never
-    /// started is only deleted. Does nothing if the name has no worker, or if another thread is
-    /// terminating it. Not to be called by the worker itself.
+    /// Stops and joins the worker, if it was started, and deletes it. Does nothing if there is
+    /// none, or if another thread is terminating it. Not to be called by the worker itself.
     void Terminate(const std::string& name);
 
     /// Terminates all workers in the order of their names, each joined before the next is stopped.
-    /// A worker made meanwhile is terminated too if its name is still to come; otherwise it is
-    /// deleted in the end without a stop, and must not have been started.
+    /// A worker created meanwhile under a name that was passed is deleted in the end without a
+    /// stop, and must not have been started.
     void TerminateAll();
 
 protected:
-    /// Creates a new worker of that name, with new, at every call, or returns null. Runs
-    /// with the pool's mutex held: it must not call this pool.
+    /// Returns a worker of that name made by `new`, or null. Must not call this pool.
     virtual WorkerThread* CreateWorker(const std::string& name) = 0;
 
 private:
     friend class WorkerThread;
 
     void Remove(WorkerThread* worker);
-    // The name that follows in the table, the first one after null; null at the end.
+    // The next name in the table, or the first one after null; null at the end.
     const std::string* NextName(const std::string* name);
     std::size_t CountNames();
     // The worker of that name, for the caller alone to terminate until EndTermination(); or null.

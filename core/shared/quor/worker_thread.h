@@ -14,17 +14,13 @@ class WorkerPool;
 ///
 ///     class Drain : public WorkerThread {
 ///         void Main() override {
-///             while (!StopRequested()) {
-///                 DoOnePass();
-///                 TimedWait(1, 0);
-///             }
+///             for (; !StopRequested(); TimedWait(1, 0)) DoOnePass();
 ///         }
 ///     };
 ///
 /// The caller must ensure that
 ///   - the thread is joined, which a WorkerPool does, before the destructor of the derived class
-///     begins: Main() uses its members;
-///   - Start() is not called while another thread destroys the worker.
+///     begins: Main() uses its members.
 /// The worker guarantees that
 ///   - an exception that leaves Main() is traced as a warning and ends only the thread;
 ///   - no lock is held while Main() runs;
@@ -44,20 +40,15 @@ public:
     virtual ~WorkerThread();
 
     /// Creates the thread. Throws Exception if an earlier one has not been joined; of two calls at
-    /// once, one succeeds. Keeps a stop request: a worker that was stopped starts with
-    /// StopRequested() true.
+    /// once, one succeeds. Keeps an earlier stop request.
     void Start();
-
     /// Asks the thread to stop, wakes its TimedWait(), and returns at once. May be repeated.
     void Stop();
-
     /// Returns whether Stop() has been called; never false again after that.
     bool StopRequested() const;
-
-    /// Blocks until Stop() is called or the time has passed by the wall clock; returns true if the
-    /// time ran out. May also return early without a reason. A Stop() that came before this call
-    /// does not shorten it: wait in slices, and test StopRequested() between them. Lengths beyond
-    /// the range of the clock wait as long as it can express.
+    /// Blocks until Stop() is called or the time has passed by the wall clock; returns whether it
+    /// has. May return early without a reason. A Stop() that came before does not shorten the wait:
+    /// wait in slices, and test StopRequested() between them.
     bool TimedWait(unsigned long seconds, unsigned long nanoseconds) const;
 
     /// The body of the thread; not to be called by your program.
