@@ -1,5 +1,6 @@
 #include <quor/assert.h>
 
+#include <quor/internal/joined.h>
 #include <quor/internal/numbered_stack.h>
 #include <quor/log.h>
 #include <quor/process.h>
@@ -36,14 +37,13 @@ void Try(const Step& step) {
 }
 
 std::string AssertFileName() {
-    return std::string(QUOR_ASSERT_DIRECTORY) + "/assert_" + std::to_string(GetPid()) + "_" +
-           std::to_string(GetTid()) + ".log";
+    return internal::Joined({QUOR_ASSERT_DIRECTORY "/assert_", GetPid(), "_", GetTid(), ".log"});
 }
 
 std::string FailureText(const char* file, int line, const char* function, const char* reason) {
-    return std::string("\n*** Please use this output when reporting a bug.\n\n") +
-           "*** ASSERTION FAILURE: " + file + ":" + std::to_string(line) +
-           " in function: " + function + "\n*** REASON: " + reason + "\n";
+    return internal::Joined({"\n*** Please use this output when reporting a bug.\n\n",
+                             "*** ASSERTION FAILURE: ", file, ":", line, " in function: ", function,
+                             "\n*** REASON: ", reason, "\n"});
 }
 
 // The report when memory or streams fail: nothing here allocates.
@@ -92,10 +92,10 @@ bool Report(const std::string& failure, const std::string& stack) {
     if (inFile && TraceGateOpen(Low)) {
         Try([&] {
             TraceWrite(Low, c_function, "assert", __LINE__,
-                       "Assert message logged to: " + fileName);
+                       internal::Joined({"Assert message logged to: ", fileName}));
         });
     }
-    Try([&] { LogCritical(failure + "\n" + stack); });
+    Try([&] { LogCritical(internal::Joined({failure, "\n", stack})); });
     if (inFile) {
         std::cerr.rdbuf(previous);
         std::cerr << "** Logged assert to file: " << fileName << std::endl;

@@ -2,6 +2,7 @@
 
 #include <quor/detail/errno_keeper.h>
 #include <quor/internal/frame_text.h>
+#include <quor/internal/joined.h>
 #include <quor/trace.h>
 #include <quor/trace_file.h>
 
@@ -24,7 +25,7 @@ constexpr const char* c_file = "exception";
 
 void WriteRecord(const char* mark, const std::string& text, int line) {
     if (TraceGateOpen(Low)) {
-        TraceWrite(Low, c_function, c_file, line, mark + text);
+        TraceWrite(Low, c_function, c_file, line, internal::Joined({mark, text}));
     }
 }
 

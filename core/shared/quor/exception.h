@@ -1,12 +1,12 @@
 #ifndef QUOR_EXCEPTION_H
 #define QUOR_EXCEPTION_H
 
-#include <cstdint>
+#include <quor/detail/ordered_locking.h>
+
 #include <exception>
 #include <iosfwd>
 #include <mutex>
 #include <string>
-#include <system_error>
 #include <vector>
 
 namespace quor {
@@ -70,7 +70,7 @@ public:
 
     /// Locks the mutexes of a list; no entry may be null.
     explicit Lock(const std::vector<std::mutex*>& mutexes) : m_mutexes(mutexes) {
-        LockAll(Ordered(mutexes));
+        detail::LockInOrder(mutexes);
     }
 
     Lock(const Lock&) = delete;
@@ -79,40 +79,6 @@ public:
     virtual ~Lock();
 
 private:
-    static std::vector<std::mutex*> Ordered(const std::vector<std::mutex*>& mutexes) {
-        std::vector<std::mutex*> ordered;
-        for (std::mutex* const mutex : mutexes) {
-            auto place = ordered.begin();
-            while (place != ordered.end() && AddressOf(*place) < AddressOf(mutex)) {
-                ++place;
-            }
-            if (place != ordered.end() && *place == mutex) {
-                throw std::system_error(
-                    std::make_error_code(std::errc::resource_deadlock_would_occur));
-            }
-            ordered.insert(place, mutex);
-        }
-        return ordered;
-    }
-
-    static std::uintptr_t AddressOf(const std::mutex* mutex) {
-        return reinterpret_cast<std::uintptr_t>(mutex);
-    }
-
-    static void LockAll(const std::vector<std::mutex*>& ordered) {
-        auto next = ordered.begin();
-        try {
-            for (; next != ordered.end(); ++next) {
-                (*next)->lock();
-            }
-        } catch (...) {
-            while (next != ordered.begin()) {
-                (*--next)->unlock();
-            }
-            throw;
-        }
-    }
-
     std::vector<std::mutex*> m_mutexes;  // in the order given
 };
 

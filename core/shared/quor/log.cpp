@@ -1,5 +1,6 @@
 #include <quor/log.h>
 
+#include <quor/internal/at_scope_end.h>
 #include <quor/internal/cancellation_off.h>
 #include <quor/internal/late_reports.h>
 #include <quor/internal/line_buffer.h>
@@ -38,14 +39,9 @@ namespace internal {
 
 struct LogInternals {
     // Closes the file behind every message, also if memory runs out in between.
-    struct FileCloser {
-        explicit FileCloser(Log& log) : m_log(log) {}
-        FileCloser(const FileCloser&) = delete;
-        FileCloser& operator=(const FileCloser&) = delete;
-        ~FileCloser() { m_log.Close(); }
-
-        Log& m_log;
-    };
+    static auto FileCloser(Log& log) {
+        return AtScopeEnd([&log] { log.Close(); });
+    }
 
     static Log& MakeInstance() {
         // Built first, the trace ends later and takes the last messages.
@@ -62,7 +58,7 @@ struct LogInternals {
         if (LogFileInternals::FileName(log).empty()) {
             return false;
         }
-        const FileCloser closer(log);
+        const auto closer = FileCloser(log);
         if (!log.Open(LogFileInternals::FileName(log), false)) {
             return false;
         }
@@ -101,7 +97,7 @@ bool Log::Init(const std::string& fileName) {
         LogFileInternals::SetFileName(log, fileName);
         return false;
     }
-    const internal::LogInternals::FileCloser closer(log);
+    const auto closer = internal::LogInternals::FileCloser(log);
     return log.Open(fileName, false);
 }
 

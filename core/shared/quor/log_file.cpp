@@ -1,5 +1,6 @@
 #include <quor/log_file.h>
 
+#include <quor/internal/at_scope_end.h>
 #include <quor/internal/cancellation_off.h>
 #include <quor/internal/late_reports.h>
 #include <quor/internal/line_buffer.h>
@@ -26,31 +27,13 @@ constexpr int c_closed = LogFileInternals::c_closed;
 constexpr mode_t c_fileMode = 0666;
 constexpr int c_openFlags = O_WRONLY | O_APPEND;
 
-class FlagGuard {
-public:
-    explicit FlagGuard(bool& flag) : m_flag(flag) { m_flag = true; }
-    FlagGuard(const FlagGuard&) = delete;
-    FlagGuard& operator=(const FlagGuard&) = delete;
-    ~FlagGuard() { m_flag = false; }
-
-private:
-    bool& m_flag;
-};
-
-// Closes even when the trailer's text could not be had.
-class DescriptorCloser {
-public:
-    explicit DescriptorCloser(int& fd) : m_fd(fd) {}
-    DescriptorCloser(const DescriptorCloser&) = delete;
-    DescriptorCloser& operator=(const DescriptorCloser&) = delete;
-    ~DescriptorCloser() {
-        close(m_fd);
-        m_fd = c_closed;
-    }
-
-private:
-    int& m_fd;
-};
+// Closes even when the trailer's text cannot be had.
+auto Closer(int& fd) {
+    return internal::AtScopeEnd([&fd] {
+        close(fd);
+        fd = c_closed;
+    });
+}
 
 // An empty block costs no call; the log's opening and closing blocks mostly are.
 bool WriteBlock(int fd, const std::string& block) {
@@ -175,7 +158,7 @@ void LogFile::Close() {
     if (LogFileInternals::IsOnStandardOutput(*this) && !LateReports::IsHeld()) {
         internal::FlushStandardOutput();
     }
-    const DescriptorCloser closer(m_fd);
+    const auto closer = Closer(m_fd);
     if (!WriteBlock(m_fd, FileTrailer())) {
         LateReports::LostTrailer(m_fileName);
     }
@@ -208,7 +191,8 @@ void LogFile::HandleError(int errorCode) {
     if (m_handlingError) {
         return;
     }
-    const FlagGuard guard(m_handlingError);
+    m_handlingError = true;
+    const internal::AtScopeEnd handled([this] { m_handlingError = false; });
     Error(errorCode);
 }
 
@@ -237,7 +221,7 @@ void LogFileInternals::CloseWith(LogFile& file, const std::string& trailer) {
         return;
     }
     const CancellationOff cancellationOff;
-    const DescriptorCloser closer(file.m_fd);
+    const auto closer = Closer(file.m_fd);
     if (!WriteBlock(file.m_fd, trailer)) {
         LateReports::LostTrailer(file.m_fileName);
     }

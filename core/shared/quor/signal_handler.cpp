@@ -3,6 +3,7 @@
 #include <quor/detail/errno_keeper.h>
 #include <quor/exception.h>
 #include <quor/internal/guarded_call.h>
+#include <quor/internal/joined.h>
 #include <quor/trace.h>
 
 #include <signal.h>
@@ -55,7 +56,7 @@ sighandler_t Install(int number) {
         sigaction(number, nullptr, &found) == 0 && (found.sa_flags & SA_SIGINFO) != 0;
     const sighandler_t previous = signal(number, SignalHandlerFnc);
     if (previous == SIG_ERR) {
-        throw Exception("Can't install handler for " + std::to_string(number), true);
+        throw Exception(internal::Joined({"Can't install handler for ", number}), true);
     }
     const sighandler_t replaced = std::exchange(g_replaced[number], SIG_DFL);
     if (previous == SignalHandlerFnc && replaced != SIG_DFL) {

@@ -1,6 +1,7 @@
 #include <quor/synchronizer.h>
 
 #include <quor/exception.h>
+#include <quor/internal/joined.h>
 #include <quor/internal/late_reports.h>
 #include <quor/internal/wall_clock_wait.h>
 #include <quor/trace.h>
@@ -14,8 +15,8 @@ Synchronizer::Synchronizer(unsigned int counter, unsigned int iterations, unsign
     : m_counter(counter), m_iterations(iterations), m_timeoutMs(timeoutMs) {
     const unsigned int timeout = Timeout();
     if (timeout > MaxTimeout) {
-        throw Exception("Internal error: Specified timeout is too long. " +
-                            std::to_string(timeout) + ">" + std::to_string(MaxTimeout),
+        throw Exception(internal::Joined({"Internal error: Specified timeout is too long. ",
+                                          timeout, ">", +MaxTimeout}),
                         true);
     }
 }

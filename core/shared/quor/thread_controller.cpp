@@ -1,14 +1,18 @@
 #include <quor/thread_controller.h>
 
 #include <quor/exception.h>
+#include <quor/internal/at_scope_end.h>
 #include <quor/internal/cancellation_off.h>
+#include <quor/internal/controller_rules.h>
 #include <quor/internal/guarded_call.h>
+#include <quor/internal/joined.h>
 #include <quor/internal/late_reports.h>
 #include <quor/internal/wall_clock_wait.h>
 #include <quor/internal/worker_warning.h>
 #include <quor/trace.h>
 
 #include <chrono>
+#include <functional>
 #include <thread>
 #include <utility>
 
@@ -19,6 +23,11 @@ namespace quor {
 namespace {
 
 constexpr const char* c_file = "thread_controller";
+
+// Of one type of thread: each would bring a vtable and its relocations.
+void Detach(std::function<void()> body) {
+    std::thread(std::move(body)).detach();
+}
 
 // What code of the host throws is traced and goes no further.
 template <typename Function>
@@ -41,7 +50,8 @@ ThreadController::ThreadController(std::string name, LoopFnc loopFnc, CancelLoop
         "quor::ThreadController::ThreadController(std::string, LoopFnc, CancelLoopFnc)", c_file,
         __LINE__);
     if (!m_loopFnc || !m_cancelLoopFnc) {
-        throw Exception(m_name + " has no loop function or no cancel function.", true);
+        throw Exception(internal::Joined({m_name, " has no loop function or no cancel function."}),
+                        true);
     }
 }
 
@@ -88,7 +98,7 @@ void ThreadController::Restart() {
 void ThreadController::StartLoop(std::unique_lock<std::mutex>& lock) {
     SetState(eStarting);
     try {
-        std::thread(&ThreadController::Run, this).detach();
+        Detach([this] { Run(); });
     } catch (...) {
         // No thread will ever take over, so nobody may wait for it.
         m_state = eStopped;
@@ -123,33 +133,21 @@ void ThreadController::AsyncRestart() {
 // Not counted under m_mutex, which a derived class may hold when it calls this.
 void ThreadController::RunAside(void (*operation)(ThreadController&)) {
     const std::lock_guard<std::mutex> lock(m_asideMutex);
-    std::thread([this, operation] {
-        try {
-            RunGuarded(m_name, [this, operation] { operation(*this); });
-        } catch (...) {
-            LeaveAside();
-            throw;
-        }
-        LeaveAside();
-    }).detach();
+    Detach([this, operation] {
+        const internal::AtScopeEnd leave([this] {
+            const std::lock_guard<std::mutex> asideLock(m_asideMutex);
+            --m_asideThreads;
+            m_asideDone.notify_all();
+        });
+        RunGuarded(m_name, [this, operation] { operation(*this); });
+    });
     // Counted in time: the thread cannot leave before the mutex is free.
     ++m_asideThreads;
-}
-
-void ThreadController::LeaveAside() {
-    const std::lock_guard<std::mutex> lock(m_asideMutex);
-    --m_asideThreads;
-    m_asideDone.notify_all();
 }
 
 void ThreadController::AwaitAside() {
     std::unique_lock<std::mutex> lock(m_asideMutex);
     m_asideDone.wait(lock, [this] { return m_asideThreads == 0; });
-}
-
-ThreadController::State_e ThreadController::GetState() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_state;
 }
 
 // Nothing of the object is touched after the last unlock: its owner may delete it at once.
@@ -158,20 +156,18 @@ void ThreadController::Run() {
     std::unique_lock<std::mutex> lock(m_mutex);
     SetState(eRunning);
     try {
-        RunGuarded(m_name, [this, &lock] { CallLoop(lock); });
+        RunGuarded(m_name, [this, &lock] {
+            while (m_state == eRunning) {
+                lock.unlock();
+                m_loopFnc();
+                lock.lock();
+            }
+        });
     } catch (...) {
         EndLoop(lock);
         throw;
     }
     EndLoop(lock);
-}
-
-void ThreadController::CallLoop(std::unique_lock<std::mutex>& lock) {
-    while (m_state == eRunning) {
-        lock.unlock();
-        m_loopFnc();
-        lock.lock();
-    }
 }
 
 void ThreadController::EndLoop(std::unique_lock<std::mutex>& lock) {
@@ -185,97 +181,70 @@ void ThreadController::EndLoop(std::unique_lock<std::mutex>& lock) {
     lock.unlock();
 }
 
+// A wait must not end here, or nobody would end the loop: after a period it tries again.
+void ThreadController::StartCancel() {
+    RunGuarded(m_name, [this] {
+        Detach([name = m_name, cancel = m_cancelLoopFnc] { RunGuarded(name, cancel); });
+    });
+}
+
+ThreadController::State_e ThreadController::GetState() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state;
+}
+
 bool ThreadController::SetState(State_e state) {
-    const std::string current = std::to_string(m_state);
-    switch (state) {
-        case eStarting:
-            if (m_state == eRunning) {
-                QUOR_TRACE(High, m_name << " is already running.");
-                return false;
-            }
-            if (m_state != eStopped) {
-                throw Exception(m_name + " could not be started since it is not in eStopped state.",
-                                true);
-            }
-            break;
-        case eRunning:
-            if (m_state != eStarting) {
-                throw Exception(
-                    m_name +
-                        " could be started only from eStarting state. Current state: " + current,
-                    true);
-            }
-            break;
-        case eTerminating:
-            if (m_state == eStopped) {
-                QUOR_TRACE(High, m_name << " is already stopped.");
-                return false;
-            }
-            if (m_state != eRunning) {
-                throw Exception(m_name + " is not running, thus it could not be terminated.", true);
-            }
-            break;
-        default:
-            if (m_state != eTerminating) {
-                throw Exception(
-                    m_name + " could be stopped from eTerminating state. Current state: " + current,
-                    true);
-            }
-            break;
+    const internal::ControllerRule& rule = internal::RuleFor(state);
+    if (m_state != rule.from) {
+        if (m_state == rule.settled) {
+            QUOR_TRACE(High, m_name << rule.settledText);
+            return false;
+        }
+        const std::string found = rule.tellsState ? std::to_string(m_state) : std::string();
+        throw Exception(internal::Joined({m_name, rule.refusal, found}), true);
     }
     m_state = state;
     m_condition.notify_all();
     return true;
 }
 
-// A wait must not end here, or nobody would end the loop: after a period it tries again.
-void ThreadController::StartCancel() {
-    RunGuarded(m_name, [this] {
-        std::thread([name = m_name, cancel = m_cancelLoopFnc] {
-            RunGuarded(name, cancel);
-        }).detach();
-    });
+// One wait of either kind; the texts go into the trace.
+void ThreadController::WaitAPeriod(const char* wait, const char* purpose, State_e state,
+                                   std::unique_lock<std::mutex>& lock) {
+    const State_e seen = m_state;
+    if (!internal::WaitOnce(m_condition, lock, std::chrono::milliseconds(m_stopSleepPeriodMs))) {
+        QUOR_TRACE(High, wait << " state changed from  " << seen << " into " << m_state
+                              << " while waiting " << purpose << state);
+    }
 }
 
 void ThreadController::WaitOnStateExit(const State_e& state, std::unique_lock<std::mutex>& lock) {
     const State_e left = state;  // may refer to m_state itself
-    for (State_e seen = m_state; seen == left; seen = m_state) {
-        if (seen == eTerminating) {
+    while (m_state == left) {
+        if (left == eTerminating) {
             StartCancel();
-            seen = m_state;
         }
-        if (!internal::WaitOnce(m_condition, lock,
-                                std::chrono::milliseconds(m_stopSleepPeriodMs))) {
-            QUOR_TRACE(High, "WaitOnStateExit state changed from  "
-                                 << seen << " into " << m_state << " while waiting to exit from "
-                                 << left);
-        }
+        WaitAPeriod("WaitOnStateExit", "to exit from ", left, lock);
     }
 }
 
 bool ThreadController::WaitOnStateEnter(const State_e& state, std::unique_lock<std::mutex>& lock) {
     const State_e entered = state;  // may refer to m_state itself
-    for (std::uint32_t waits = 0; waits < cRetryCounter; ++waits) {
-        State_e seen = m_state;
-        if (seen == eTerminating) {
+    bool isEntered = false;
+    for (std::uint32_t waits = 0; waits < cRetryCounter && !isEntered; ++waits) {
+        if (m_state == eTerminating) {
             StartCancel();
-            seen = m_state;
         }
-        if (seen == entered) {
-            return true;
+        if (m_state != entered) {
+            WaitAPeriod("WaitOnStateEnter", "for entering into ", entered, lock);
         }
-        if (!internal::WaitOnce(m_condition, lock,
-                                std::chrono::milliseconds(m_stopSleepPeriodMs))) {
-            QUOR_TRACE(High, "WaitOnStateEnter state changed from  "
-                                 << seen << " into " << m_state
-                                 << " while waiting for entering into " << entered);
-        }
-        if (m_state == entered) {
-            return true;
-        }
+        isEntered = m_state == entered;
     }
-    QUOR_TRACE(Low, m_name << " didn't come into " << entered << " state in a reasonable time.");
-    return false;
+    if (!isEntered) {
+        QUOR_TRACE(Low,
+                   m_name << " didn't come into " << entered << " state in a reasonable time.");
+    }
+    return isEntered;
 }
 
 }  // namespace quor

@@ -122,10 +122,10 @@ private:
     void StartLoop(std::unique_lock<std::mutex>& lock);
     void StopLoop(std::unique_lock<std::mutex>& lock);
     void EndLoop(std::unique_lock<std::mutex>& lock);
-    void CallLoop(std::unique_lock<std::mutex>& lock);
     void StartCancel();
+    void WaitAPeriod(const char* wait, const char* purpose, State_e state,
+                     std::unique_lock<std::mutex>& lock);
     void RunAside(void (*operation)(ThreadController&));
-    void LeaveAside();
     void AwaitAside();
 
     std::mutex m_asideMutex;

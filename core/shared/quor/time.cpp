@@ -15,8 +15,6 @@ constexpr long c_nanosecondsPerSecond = 1'000'000'000;
 
 using UnsignedSeconds = std::make_unsigned_t<time_t>;
 
-const Time c_epoch(0, 0);
-
 std::uint32_t As32Bits(long number) {
     return static_cast<std::uint32_t>(number);
 }
@@ -136,7 +134,7 @@ Time& Time::operator/=(unsigned long divisor) {
 }
 
 bool Time::IsEpoch() const {
-    return *this == c_epoch;
+    return m_time.tv_sec == 0 && m_time.tv_nsec == 0;
 }
 
 Time::operator std::chrono::duration<double>() const {

@@ -2,6 +2,7 @@
 #include <quor/trace.h>
 
 #include <quor/detail/errno_keeper.h>
+#include <quor/internal/joined.h>
 #include <quor/internal/trace_file_internals.h>
 
 namespace quor {
@@ -22,7 +23,7 @@ void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, 
 void TraceFnc::Write(const char* arrow, const char* function, const char* file, int line) noexcept {
     const detail::ErrnoKeeper keeper;
     try {
-        TraceWrite(High, function, file, line, std::string(arrow) + function);
+        TraceWrite(High, function, file, line, internal::Joined({arrow, function}));
     } catch (...) {
     }
 }

@@ -1,6 +1,7 @@
 #include <quor/trace_file.h>
 
 #include <quor/detail/trace_gate.h>
+#include <quor/internal/joined.h>
 #include <quor/internal/log_file_internals.h>
 #include <quor/internal/numbered_stack.h>
 #include <quor/internal/opening_block.h>
@@ -19,9 +20,8 @@ namespace {
 
 constexpr int c_stackDepth = 64;
 
-std::string OpeningBlock(const std::string& event) {
-    return internal::OpeningBlock(" Trace " + event,
-                                  "* Process id    : " + std::to_string(GetPid()) + "\n");
+std::string OpeningBlock(const char* event) {
+    return internal::OpeningBlock(event, internal::Joined({"* Process id    : ", GetPid(), "\n"}));
 }
 
 }  // namespace
@@ -69,7 +69,8 @@ std::string Internals::NameToOpen(const TraceFile& trace) {
     if (name == "+") {
         return GeneratedName(trace);
     }
-    return trace.m_traceDirectory.empty() ? name : trace.m_traceDirectory + "/" + name;
+    return trace.m_traceDirectory.empty() ? name
+                                          : internal::Joined({trace.m_traceDirectory, "/", name});
 }
 
 void TraceFile::Stop() {
@@ -216,21 +217,22 @@ std::string TraceFile::GeneratedTraceFileName() {
 }
 
 std::string Internals::GeneratedName(const TraceFile& trace) {
-    return (trace.m_traceDirectory.empty() ? "." : trace.m_traceDirectory) + "/" + GetProgName() +
-           "_" + std::to_string(GetPid()) + ".log";
+    const std::string& directory = trace.m_traceDirectory;
+    return internal::Joined(
+        {directory.empty() ? "." : directory.c_str(), "/", GetProgName(), "_", GetPid(), ".log"});
 }
 
 std::string TraceFile::FileHeader() const {
-    return OpeningBlock("started");
+    return OpeningBlock(" Trace started");
 }
 
 std::string TraceFile::AppendBanner() const {
-    return OpeningBlock("appended");
+    return OpeningBlock(" Trace appended");
 }
 
 std::string TraceFile::FileTrailer() const {
-    return "\n" + internal::Rule() + "* ***** Trace stopped *****\n\n" +  //
-           "* End time      : " + internal::FullTime() + "\n" + internal::Rule();
+    return internal::Joined({"\n", internal::c_rule, "* ***** Trace stopped *****\n\n",  //
+                             "* End time      : ", internal::FullTime(), "\n", internal::c_rule});
 }
 
 std::string TraceFile::LineHeader() const {

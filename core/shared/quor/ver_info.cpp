@@ -1,5 +1,6 @@
 #include <quor/ver_info.h>
 
+#include <quor/internal/joined.h>
 #include <iostream>
 #include <utility>
 
@@ -32,9 +33,8 @@ void VerInfo::Init(int major, int minor, int build, int revision, const char* la
     info.m_buildTime = buildTime;
     info.m_buildMachine = buildMachine;
     info.m_buildUser = buildUser;
-    info.m_versionString = std::to_string(major) + "." + std::to_string(minor) + "-" +
-                           std::to_string(build) + "-r" + std::to_string(revision) + " " +
-                           info.m_label;
+    info.m_versionString =
+        internal::Joined({major, ".", minor, "-", build, "-r", revision, " ", label});
     GetInstance() = std::move(info);
 }
 

@@ -1,6 +1,7 @@
 #include <quor/worker_pool.h>
 
 #include <quor/exception.h>
+#include <quor/internal/joined.h>
 #include <quor/trace.h>
 #include <quor/worker_thread.h>
 
@@ -31,7 +32,9 @@ WorkerThread* WorkerPool::GetWorker(const std::string& name) {
         return nullptr;
     }
     if (worker->m_name != name) {
-        throw Exception("Worker thread: " + worker->m_name + ": made for the name " + name, true);
+        throw Exception(
+            internal::Joined({"Worker thread: ", worker->m_name, ": made for the name ", name}),
+            true);
     }
     m_workers[name] = worker.get();
     // Last of all: from here on the worker's destructor takes the mutex that is held here.

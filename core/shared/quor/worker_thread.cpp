@@ -3,6 +3,7 @@
 #include <quor/exception.h>
 #include <quor/internal/cancellation_off.h>
 #include <quor/internal/guarded_call.h>
+#include <quor/internal/joined.h>
 #include <quor/internal/late_reports.h>
 #include <quor/internal/wall_clock_wait.h>
 #include <quor/internal/worker_warning.h>
@@ -85,7 +86,7 @@ void WorkerThread::Start() {
     std::unique_lock<std::mutex> lock(m_mutex);
     if (m_thread.joinable()) {
         lock.unlock();
-        throw Exception("Worker thread: " + m_name + ": already started", true);
+        throw Exception(internal::Joined({"Worker thread: ", m_name, ": already started"}), true);
     }
     QUOR_TRACE(Low, "Worker thread: " << m_name << ": START");
     m_thread = std::thread(std::ref(*this));

@@ -1,8 +1,8 @@
 #include <quor/detail/trace_message.h>
 
+#include <quor/internal/digits.h>
 #include <quor/internal/trace_file_internals.h>
 
-#include <charconv>
 #include <cstring>
 #include <istream>
 #include <iterator>
@@ -29,21 +29,14 @@ struct ClassicLocale {
 }  // namespace
 
 void TraceBuffer::Put(std::string_view text) {
-    if (text.size() <= static_cast<std::size_t>(epptr() - pptr())) {
+    if (text.size() <= static_cast<std::size_t>(epptr() - pptr()) || MakeRoom(text.size())) {
         text.copy(pptr(), text.size());
         pbump(static_cast<int>(text.size()));
-    } else {
-        sputn(text.data(), static_cast<std::streamsize>(text.size()));
     }
 }
 
 TraceBuffer::int_type TraceBuffer::overflow(int_type next) {
-    try {
-        m_whole = m_whole && Grow();
-    } catch (...) {
-        m_whole = false;
-    }
-    if (!m_whole) {
+    if (!MakeRoom(1)) {
         return traits_type::eof();
     }
     return traits_type::eq_int_type(next, traits_type::eof())
@@ -51,21 +44,27 @@ TraceBuffer::int_type TraceBuffer::overflow(int_type next) {
                : sputc(traits_type::to_char_type(next));
 }
 
-// Doubles the room. Returns false for a text that positions can no longer address.
-bool TraceBuffer::Grow() {
+// Makes room for so many more characters, and for as many again as there are by then. Fails if
+// memory is short, and for a text that positions could not address.
+__attribute__((noinline)) bool TraceBuffer::MakeRoom(std::size_t more) {
+    constexpr std::size_t c_longest = std::numeric_limits<int>::max() / 2;
     const auto size = static_cast<std::size_t>(pptr() - pbase());
-    if (size > std::numeric_limits<int>::max() / 2) {
-        return false;
+    m_whole = m_whole && size <= c_longest && more <= c_longest - size;
+    try {
+        if (m_whole) {
+            std::string larger;
+            larger.reserve(c_gap + 2 * (size + more) + 1);
+            larger.append(pbase() - c_gap, c_gap + size);
+            larger.resize(larger.capacity());
+            m_heap.swap(larger);
+            setg(nullptr, nullptr, nullptr);
+            setp(m_heap.data() + c_gap, m_heap.data() + m_heap.size() - 1);
+            pbump(static_cast<int>(size));
+        }
+    } catch (...) {
+        m_whole = false;
     }
-    std::string larger;
-    larger.reserve(c_gap + 2 * size + 1);
-    larger.append(pbase() - c_gap, c_gap + size);
-    larger.resize(c_gap + 2 * size + 1);
-    m_heap.swap(larger);
-    setg(nullptr, nullptr, nullptr);
-    setp(m_heap.data() + c_gap, m_heap.data() + m_heap.size() - 1);
-    pbump(static_cast<int>(size));
-    return true;
+    return m_whole;
 }
 
 TraceBuffer::pos_type TraceBuffer::seekoff(off_type offset, std::ios_base::seekdir from,
@@ -116,7 +115,8 @@ bool TraceStream::IsPlain() const {
     return flags() == (skipws | dec) && width() == 0;
 }
 
-void TraceStream::Put(std::string_view text) {
+// Flat: most parts of a message come this way.
+__attribute__((flatten)) void TraceStream::Put(std::string_view text) {
     if (!IsPlain()) {
         static_cast<std::ostream&>(*this) << text;
     } else if (good()) {
@@ -125,13 +125,13 @@ void TraceStream::Put(std::string_view text) {
 }
 
 bool TraceStream::PutNumber(long long number) {
-    char digits[20];  // "-9223372036854775808"
-    return PutDigits(digits, std::to_chars(digits, std::end(digits), number).ptr);
+    char digits[internal::c_longestNumber];
+    return PutDigits(internal::PutNumberBefore(std::end(digits), number), std::end(digits));
 }
 
 bool TraceStream::PutNumber(unsigned long long number) {
-    char digits[20];
-    return PutDigits(digits, std::to_chars(digits, std::end(digits), number).ptr);
+    char digits[internal::c_longestNumber];
+    return PutDigits(internal::PutNumberBefore(std::end(digits), number), std::end(digits));
 }
 
 bool TraceStream::PutDigits(const char* first, const char* last) {

@@ -37,7 +37,7 @@ protected:
     pos_type seekpos(pos_type position, std::ios_base::openmode which) override;
 
 private:
-    bool Grow();
+    bool MakeRoom(std::size_t more);
 
     // The area for reading is empty. It marks the text's end once somebody went back.
     bool m_whole = true;

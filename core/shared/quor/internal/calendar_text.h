@@ -1,31 +1,14 @@
 #ifndef QUOR_INTERNAL_CALENDAR_TEXT_H
 #define QUOR_INTERNAL_CALENDAR_TEXT_H
 
+#include <quor/internal/digits.h>
+
 #include <time.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace quor::internal {
-
-// The texts "00" to "99": one division yields two digits.
-struct DigitPairs {
-    constexpr DigitPairs() : m_pairs{} {
-        for (int number = 0; number < 100; ++number) {
-            m_pairs[number][0] = static_cast<char>('0' + number / 10);
-            m_pairs[number][1] = static_cast<char>('0' + number % 10);
-        }
-    }
-    char m_pairs[100][2];
-};
-inline constexpr DigitPairs c_digitPairs;
-
-// Writes two digits and returns the end.
-inline char* PutPair(char* text, std::uint32_t number) {
-    std::memcpy(text, c_digitPairs.m_pairs[number], 2);
-    return text + 2;
-}
 
 // Writes ".123456789", without a NUL, and returns the end.
 inline char* PutFraction(char* text, long nanoseconds) {

@@ -10,7 +10,7 @@ struct CancellationState {
     unsigned depth;
     int previous;
 };
-extern __thread CancellationState t_cancellation __attribute__((tls_model("initial-exec")));
+extern __thread CancellationState t_cancellation;
 
 // Keeps the calling thread from being cancelled in its scope. A thread cancelled in the middle of a
 // line would lose it, and cancellation that unwinds through a destructor ends the process. One

@@ -7,14 +7,13 @@ namespace quor::internal {
 
 struct LateReport;
 
-// What a thread has to say, and how many LateReports it holds. In the room that the C library sets
-// aside for libraries loaded late, to be reached without a call.
+// What a thread has to say, and how many LateReports it holds.
 struct PendingReports {
     unsigned guards;
     bool nameless;  // one whose name there was no memory for
     LateReport* first;
 };
-extern __thread PendingReports t_pendingReports __attribute__((tls_model("initial-exec")));
+extern __thread PendingReports t_pendingReports;
 
 void SayPendingReports() noexcept;
 

@@ -1,6 +1,7 @@
 #ifndef QUOR_INTERNAL_NUMBERED_STACK_H
 #define QUOR_INTERNAL_NUMBERED_STACK_H
 
+#include <quor/internal/joined.h>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@ inline std::string NumberedStack(const std::vector<std::string>& stack) {
     std::string text;
     int index = 0;
     for (const std::string& frame : stack) {
-        text += std::to_string(index++) + ". " + frame + "\n";
+        text += Joined({index++, ". ", frame, "\n"});
     }
     return text;
 }

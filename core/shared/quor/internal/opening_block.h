@@ -6,14 +6,15 @@
 namespace quor::internal {
 
 // The rule of 79 hyphens around the blocks of log and trace, with its line feed.
-std::string Rule();
+constexpr const char* c_rule =
+    "-------------------------------------------------------------------------------\n";
 
 // "2020-01-31 08:00:00.123456789", the present in local time.
 std::string FullTime();
 
 // The block that opens a log or trace: its title, what runs here since when, and `lastFact`, a line
 // of its own or nothing.
-std::string OpeningBlock(const std::string& title, const std::string& lastFact);
+std::string OpeningBlock(const char* title, const std::string& lastFact);
 
 }  // namespace quor::internal
 

@@ -14,9 +14,7 @@ struct ThreadLabel {
     char text[c_threadLabelRoom];
 };
 
-// In the room that the C library sets aside for libraries loaded late, to be reached without a
-// call.
-extern __thread ThreadLabel t_threadLabel __attribute__((tls_model("initial-exec")));
+extern __thread ThreadLabel t_threadLabel;
 
 // A word that differs in every process. Null until the first line, and if the kernel has no means
 // to tell processes apart.

@@ -1,5 +1,5 @@
 #include <quor/detail/errno_keeper.h>
-#include <quor/internal/calendar_text.h>
+#include <quor/internal/digits.h>
 #include <quor/internal/log_file_internals.h>
 #include <quor/internal/thread_label.h>
 #include <quor/internal/time_text.h>
@@ -18,21 +18,9 @@ constexpr std::size_t c_headRoom = 48;
 ShownZone g_zone;  // of the latest stamp; guarded by the trace's mutex
 
 // As "%4d" prints it.
-char* PutNumberBefore(char* begin, int number) {
-    char* const end = begin;
-    auto rest = number < 0 ? 0U - static_cast<unsigned>(number) : static_cast<unsigned>(number);
-    std::memset(begin - 4, ' ', 4);
-    for (; rest >= 10; rest /= 100) {
-        begin -= 2;
-        PutPair(begin, rest % 100);
-    }
-    if (rest != 0 || begin == end) {
-        *--begin = static_cast<char>('0' + rest);
-    }
-    if (number < 0) {
-        *--begin = '-';
-    }
-    return std::min(begin, end - 4);
+char* PutLineNumberBefore(char* end, int number) {
+    std::memset(end - 4, ' ', 4);
+    return std::min(PutNumberBefore(end, number), end - 4);
 }
 
 // Puts the thread's label in front of `begin`, and leaves room for the stamp in between.
@@ -65,7 +53,7 @@ void TraceFileInternals::WriteLine(TraceFile& trace, TraceLevel_e level, const c
         begin = PutBefore(begin, ": ");
     }
     if (printLine) {
-        begin = PutNumberBefore(begin, line);
+        begin = PutLineNumberBefore(begin, line);
     }
     if (printFile) {
         const std::string_view source(file);
