@@ -7,18 +7,11 @@
 
 namespace quor_test {
 
-std::string LogHeader() {
-    const std::string rule(79, '-');
-    return rule +
-           "\n* *****Logging started *****\n\n* Version       : " + VerInfo::VersionString() +
-           "\n* Start time    : #\n* Process name  : " + GetProgName() + "\n" + rule + "\n\n";
-}
-
 TEST(Log, KeepsAHeaderAndALineForEachMessageInAFileThatMayDisappear) {
     const ScopedZone zone("XYZ-2");
     const Folder folder;
     EXPECT_TRUE(Log::Init("app.log"));
-    EXPECT_EQ(Masked(ReadFile("app.log")), LogHeader());
+    EXPECT_EQ(Masked(ReadFile("app.log")), LogOpening());
     EXPECT_TRUE(Log::Init("app.log"));
     const int writes = g_hooks.Calls(Call::eWrite);
     Log::GetInstance().Info("a");
@@ -28,11 +21,11 @@ TEST(Log, KeepsAHeaderAndALineForEachMessageInAFileThatMayDisappear) {
     EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 4);
     EXPECT_EQ(
         Masked(ReadFile("app.log")),
-        LogHeader() + "[#] Info    : a\n[#] Warning : b\nc\n[#] Error   : d\n[#] Critical: e\n");
+        LogOpening() + "[#] Info    : a\n[#] Warning : b\nc\n[#] Error   : d\n[#] Critical: e\n");
     std::filesystem::remove("app.log");
     const FakeClock clock(0);
     Log::GetInstance().Info("f");
-    EXPECT_EQ(Masked(ReadFile("app.log")), LogHeader() + "[#] Info    : f\n");
+    EXPECT_EQ(Masked(ReadFile("app.log")), LogOpening() + "[#] Info    : f\n");
     EXPECT_NE(ReadFile("app.log").find("\n[1970-01-01 02:00:00] Info"), std::string::npos);
 }
 
@@ -51,7 +44,7 @@ TEST(Log, WritesToStandardOutputWhileThereIsNeitherFileNorTrace) {
     EXPECT_EQ(ReadFile("output"), "Warning : a\nWarning : b\nWarning : a\nWarning : b\n");
     std::filesystem::create_directory("missing");
     Log::GetInstance().Warning("c");
-    EXPECT_EQ(Masked(ReadFile("missing/app.log")), LogHeader() + "[#] Warning : c\n");
+    EXPECT_EQ(Masked(ReadFile("missing/app.log")), LogOpening() + "[#] Warning : c\n");
 }
 
 // Standard output of a host in which every write is a cancellation point.
@@ -91,7 +84,7 @@ TEST(Log, CopiesMessagesIntoTheRunningTrace) {
               "[#: #] log: Info    : a\n[#: #] log: b\n[#: #] log: Critical: b\n"
               "[#: #] *** Tracing paused. ***\n");
     EXPECT_EQ(Masked(ReadFile("app.log")),
-              LogHeader() + "[#] Info    : a\n[#] Critical: b\n[#] Critical: c\n");
+              LogOpening() + "[#] Info    : a\n[#] Critical: b\n[#] Critical: c\n");
 }
 
 TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {

@@ -220,17 +220,33 @@ std::string Masked(std::string text) {
     return text;
 }
 
-std::string TraceOpening(const std::string& event) {
+static std::string Opening(const std::string& title, const std::string& more) {
     const std::string rule(79, '-');
-    return rule + "\n* ***** Trace " + event +
-           " *****\n\n* Version       : " + VerInfo::VersionString() +
-           "\n* Start time    : #\n* Process name  : " + program_invocation_short_name +
-           "\n* Process id    : #\n" + rule + "\n\n";
+    return rule + "\n* *****" + title + " *****\n\n* Version       : " + VerInfo::VersionString() +
+           "\n* Start time    : #\n* Process name  : " + program_invocation_short_name + "\n" +
+           more + rule + "\n\n";
+}
+
+std::string TraceOpening(const std::string& event) {
+    return Opening(" Trace " + event, "* Process id    : #\n");
+}
+
+std::string LogOpening() {
+    return Opening("Logging started", "");
 }
 
 std::string TraceClosing() {
     const std::string rule(79, '-');
     return "\n" + rule + "\n* ***** Trace stopped *****\n\n* End time      : #\n" + rule + "\n";
+}
+
+void ResetTrace() {
+    TraceFile& trace = TraceFile::GetInstance();
+    trace.Stop();
+    trace.SetLevel(Off);
+    trace.SetPrintFile(false);
+    trace.SetPrintLine(true);
+    trace.SetDumpStack(false);
 }
 
 void WaitForText(const std::string& file, const std::string& text) {
@@ -287,12 +303,7 @@ TraceTap::TraceTap(TraceLevel_e level) : seen(0) {
 }
 
 TraceTap::~TraceTap() {
-    TraceFile& trace = TraceFile::GetInstance();
-    trace.Stop();
-    trace.SetLevel(Off);
-    trace.SetPrintFile(false);
-    trace.SetPrintLine(true);
-    trace.SetDumpStack(false);
+    ResetTrace();
 }
 
 std::string TraceTap::News() {

@@ -36,6 +36,9 @@ std::string Masked(std::string text);
 /// The masked blocks around a trace; `event` is "started" or "appended".
 std::string TraceOpening(const std::string& event);
 std::string TraceClosing();
+std::string LogOpening();
+/// Stops the trace, and gives its settings their first values.
+void ResetTrace();
 /// Sleeps until `file` holds `text`. After 10 s, a hang, it throws and names the text.
 void WaitForText(const std::string& file, const std::string& text);
 
@@ -80,7 +83,7 @@ struct Hooks {
 
     static constexpr unsigned Bit(Call call) { return 1U << static_cast<unsigned>(call); }
     /// Harms the call of that number, from 1, among those of `calls`, a Bit() each; 0 for none.
-    void Plan(unsigned calls, int number, Harm kind);
+    void Plan(unsigned calls = 0, int number = 0, Harm kind = Harm::eOnce);
     /// Counts the call. Returns whether it is to fail, with errno set.
     bool Fails(Call call);
     int Calls(Call call) const { return counts[static_cast<int>(call)]; }
