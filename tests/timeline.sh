@@ -90,9 +90,12 @@ options() { grep -oE -- '--[a-z]{2,}[a-z-]*' | sort -u; }
 differ=$(diff <("$program" --help | options) <(sed 's/\\-/-/g' "$tables/../../docs/man/quor-timeline.1" | options)) ||
     fail "options in the help and in the manual:"$'\n'"$differ"
 
-# What the page about it shows.
-sed -n '/^==> hanging.trace/,/^==> status/{/^==> /!p}' "$tables/../../docs/examples/hanging.out" >hanging.trace
-same "docs/stuck.txt" "$(cat "$tables/../../docs/stuck.txt")" "$("$program" --stuck hanging.trace 2>/dev/null)"
+# What the page about it shows; of the stacks without times, the threads numbered as they appear.
+docs=$tables/../../docs
+sed -n '/^==> hanging.trace/,/^==> status/{/^==> /!p}' "$docs/examples/hanging.out" >hanging.trace
+same "docs/stuck.txt" "$(cat "$docs/stuck.txt")" "$("$program" --stuck hanging.trace 2>/dev/null)"
+same "docs/folded.txt" "$(cat "$docs/folded.txt")" "$("$program" --folded hanging.trace 2>/dev/null | awk -F ';' '
+    !($1 in number) { number[$1] = ++threads } { sub(/^[0-9]+;/, number[$1] " "); sub(/ [0-9]+$/, ""); print }')"
 
 # As its release 1.25.0 publishes it.
 "$program" --speedscope "$tables/tricky.trace" >speedscope.json 2>/dev/null
