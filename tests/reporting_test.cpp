@@ -6,7 +6,6 @@
 
 #include <signal.h>
 
-#include <cstring>
 #include <iostream>
 #include <sstream>
 
@@ -21,7 +20,8 @@ void Report(int thread, int pass) {
     }
 }
 
-void SwitchTheTrace() {
+// Returns what was in the file that it rotates.
+std::string SwitchTheTrace() {
     TraceFile& file = TraceFile::GetInstance();
     for (const TraceLevel_e level : {Detail, Low, Off, Medium, High}) {
         file.SetLevel(level);
@@ -31,12 +31,16 @@ void SwitchTheTrace() {
     }
     file.Stop();
     file.Start(High);
+    rename("trace.log", "rotated.log");
+    file.Reopen();
+    return ReadFile("rotated.log");
 }
 
-TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitched) {
+TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitchedAndRotated) {
     const ScopedZone zone("UTC0");
     const TraceTap trace;
     EXPECT_TRUE(Log::Init("app.log"));
+    std::string text;
     {
         const FakeClock clock(0, 1);  // every stamp is another second of one day
         std::atomic<int> running{8};
@@ -50,7 +54,7 @@ TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitched) {
             });
         }
         for (int round = 0; running > 0 && round < 1'000; ++round) {
-            SwitchTheTrace();
+            text += SwitchTheTrace();
         }
         for (std::thread& thread : threads) {
             thread.join();
@@ -62,12 +66,12 @@ TEST(Reporting, KeepsEveryLineWholeAndInOrderWhileTheTraceIsSwitched) {
         "Report\\(\\)| *[0-9]+: (thread . pass [0-9]+|Info    : pass|\\*\\* Thrown "
         "quor::Exception: pass|"
         "\\*\\* in: .+))|[0-9]+\\. .+|-{79}|\\* .+|");
-    std::ifstream lines("trace.log");
+    std::istringstream lines(text + ReadFile("trace.log"));
     std::string last;
-    for (std::string text; std::getline(lines, text);) {
-        ASSERT_THAT(text, whole);
-        if (text[0] == '[') {
-            const std::string stamp = text.substr(text.find(' '), 9);
+    for (std::string line; std::getline(lines, line);) {
+        ASSERT_THAT(line, whole);
+        if (line[0] == '[') {
+            const std::string stamp = line.substr(line.find(' '), 9);
             EXPECT_LT(std::exchange(last, stamp), stamp);
         }
     }
@@ -106,57 +110,6 @@ TEST(Reporting, SaysThatTheDiskIsFullAlsoWhereStandardErrorGoesIntoTheLog) {
         report();
         EXPECT_EQ(errors.str(), "Unable to write to log file: trace.log\n");
     }
-}
-
-// Memory ends at each allocation of the operation in turn.
-void WithShortMemory(const std::function<void()>& operation) {
-    bool enough = false;
-    for (int granted = 0; !enough; ++granted) {
-        const ScopedValue memory(Hooks::allocations, granted);
-        try {
-            operation();
-        } catch (const std::bad_alloc&) {
-        }
-        enough = Hooks::allocations > 0;
-    }
-}
-
-TEST(Reporting, GoesAsFarAsMemoryReachesAndNeverEndsTheProcess) {
-    TraceTap trace;
-    EXPECT_TRUE(Log::Init("app.log"));
-    const auto descriptors = OpenDescriptors();
-    const std::string text(200, 'x');
-    for (const bool dump : {false, true}) {
-        TraceFile::GetInstance().SetDumpStack(dump);
-        WithShortMemory([&text] {
-            const Exception exception(text.c_str(), true);
-            EXPECT_EQ(text.compare(0, std::strlen(exception.what()), exception.what()), 0);
-        });
-    }
-    WithShortMemory([&text] { Log::GetInstance().Info(text); });
-    TraceFile& file = TraceFile::GetInstance();
-    file.Pause();
-    WithShortMemory([&file] { file.Reopen(); });
-    file.Continue();
-    WithShortMemory([&file] { file.SetLevel(Off); });
-    WithShortMemory([&file] { file.SetLevel(Detail); });
-    bool dump = false;
-    EXPECT_TRUE(file.IsActive() && file.GetDumpStack(dump) && dump);
-    file.Stop();
-    WithShortMemory([&file] { file.Start(Low); });
-    EXPECT_TRUE(file.IsActive());
-    trace.News();
-    WithShortMemory([&text] { TraceFile::Init(text, text); });
-    WithShortMemory([&text] {
-        const std::string before = VerInfo::VersionString() + VerInfo::BuildUser();
-        try {
-            VerInfo::Init(1, 2, 3, 4, text.c_str(), "", "", "", text.c_str());
-        } catch (...) {
-            EXPECT_EQ(VerInfo::VersionString() + VerInfo::BuildUser(), before);
-            throw;
-        }
-    });
-    EXPECT_EQ(OpenDescriptors(), descriptors);
 }
 
 TEST(ReportingProcess, LeavesWholeLinesWhenKilled) {
