@@ -169,7 +169,7 @@ TEST(SignalHandlerThread, CanBeInstalledAfterARefusedSignalOrThread) {
         EXPECT_STREQ(e.what(), "Can't install handler for 9");
     }
     const int signal[] = {SIGUSR1, 0};
-    g_threadScript = "-";
+    g_hooks.Plan(Hooks::Bit(Call::eThread), 1);
     EXPECT_THROW(SignalHandlerThread::InstallHandler(handler, signal), std::system_error);
     for (const auto& deliver : {+[] { raise(SIGUSR1); }, +[] { sem_post(&g_semSignal); }}) {
         SignalHandlerThread* const thread = SignalHandlerThread::InstallHandler(handler, signal);

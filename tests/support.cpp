@@ -113,6 +113,10 @@ QUOR_HOOK(sighandler_t, signal, (int number, sighandler_t handler), Call::eSigna
 QUOR_HOOK(int, remove, (const char* name), Call::eRemove, -1, real(name))
 QUOR_HOOK(int, daemon, (int keepFolder, int keepStreams), Call::eDaemon, -1,
           real(keepFolder, keepStreams))
+QUOR_HOOK(int, pthread_create,
+          (pthread_t * thread, const pthread_attr_t* attributes, void* (*body)(void*),
+           void* argument),
+          Call::eThread, EAGAIN, real(thread, attributes, body, argument))
 // The last steps of an assertion, which nobody waits for, are said on standard error.
 void sync() noexcept {
     dprintf(STDERR_FILENO, "synced\n");

@@ -3,19 +3,15 @@
 #include <quor/process.h>
 #include <quor/trace_file.h>
 
-#include <dlfcn.h>
 #include <pthread.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <map>
 #include <sstream>
 #include <thread>
 
 namespace quor_test {
-
-std::atomic<const char*> g_threadScript{""};
 
 namespace {
 
@@ -105,18 +101,3 @@ void Flag::Await() {
 }
 
 }  // namespace quor_test
-
-extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                              void* (*body)(void*), void* argument) noexcept {
-    static const auto create =
-        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-    if (quor_test::g_hooks.Fails(quor_test::Call::eThread)) {
-        return EAGAIN;
-    }
-    const char* const script = quor_test::g_threadScript;
-    if (*script == '\0') {
-        return create(thread, attributes, body, argument);
-    }
-    quor_test::g_threadScript = script + 1;
-    return *script == '-' ? EAGAIN : create(thread, attributes, body, argument);
-}

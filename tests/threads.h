@@ -14,10 +14,6 @@
 
 namespace quor_test {
 
-/// What becomes of the next calls of pthread_create, a character each: '-' is refused, any other
-/// goes through. After the last one all go through.
-extern std::atomic<const char*> g_threadScript;
-
 /// A trace whose lines name their source file and no source line.
 class ThreadTap : public TraceTap {
 public:

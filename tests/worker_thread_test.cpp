@@ -77,7 +77,7 @@ TEST(WorkerThread, StartsAgainAfterARefusedThreadButNotTwice) {
     Pool pool([&goOn](Worker&) { goOn.Await(); });
     quor::WorkerThread& worker = *pool.GetWorker("w");
     worker.Stop();
-    g_threadScript = "-";
+    g_hooks.Plan(Hooks::Bit(Call::eThread), 1);
     EXPECT_THROW(worker.Start(), std::system_error);
     worker.Start();
     EXPECT_THROW(worker.Start(), quor::Exception);
