@@ -39,16 +39,11 @@ while IFS='|' read -r file include expected; do
     fails_with "$expected" scripts/check-layers "$work/quor"
 done <<'ROWS'
 process.h|<quor/log.h>|process (foundations) may not include log (reporting)
-trace.cpp|"quor/exception.h"|trace (trace) may not include exception (exception)
-daemon.cpp|<quor/log_file.h>|daemon may not include log_file
 log.cpp|"time.h"|write <quor/NAME.h>
-log.cpp|<quor/novelty.h>|quor/novelty.h, which has no layer
 novelty.cpp|<quor/time.h>|module novelty has no layer
 ROWS
 
-# Exports: one symbol too many (an instance), one too few, a variable that the library does not look up
-grep -v 'SpecificPtrHolder<bool>::Clone' tests/exported_symbols.txt >"$work/list"
-fails_with '+quor::AnyReference::SpecificPtrHolder<bool>::Clone() const' scripts/check-exports "$library" "$work/list"
+# Exports: one symbol too few, a variable that the library does not look up
 { cat tests/exported_symbols.txt; echo 'quor::~'; } >"$work/list"
 fails_with '-quor::~' scripts/check-exports "$library" "$work/list"
 echo 'int g_number; int Number() { return g_number; }' >"$work/number.cpp"
@@ -69,24 +64,16 @@ plant_ident() { # same length, so that offsets stay
 }
 plant_ident 's/KPXVersion/KPXVersiom/'
 fails_with 'read-only data starts with' scripts/check-library "$work/lib" "$version"
-plant_ident 's/KPXBuildUser/KPXBuildHost/'
-fails_with 'string 5 is: $KPXBuildHost' scripts/check-library "$work/lib" "$version"
 plant_ident 's/\$KPXBuildTime: /$KPXBuildTime; /'
 fails_with 'string 4 is: $KPXBuildTime;' scripts/check-library "$work/lib" "$version"
 
 # The gate: a call before the branch; a way out that never asks
-cat >"$work/gate.cpp" <<'SOURCE'
-bool Gate();
-void Write();
-void AsksByCall() { if (Gate()) Write(); }
-int NeverAsks(int files) { return files; }
-SOURCE
-"$compiler" -O2 -c "$work/gate.cpp" -o "$work/gate.o"
+echo 'bool Gate(); void Write(); void AsksByCall() { if (Gate()) Write(); } int NeverAsks(int files) { return files; }' |
+    "$compiler" -O2 -c -x c++ - -o "$work/gate.o"
 for function in AsksByCall NeverAsks; do
     fails_with "$function cannot return past a closed gate without a call" \
         scripts/check-gate "$work/gate.o" "$function"
 done
-fails_with 'no function Missing' scripts/check-gate "$work/gate.o" Missing
 
 # The README: another program, another trace
 for change in 's/files waiting: " <</files left: " <</' 's/files waiting: 2/files waiting: 3/'; do
