@@ -15,6 +15,8 @@ namespace quor_test {
 
 namespace {
 
+const std::string c_life = "Worker thread: ";
+
 using Line = std::pair<std::size_t, std::string>;  // the thread's number, the text
 
 std::vector<Line> LinesOfThreads(const std::string& module) {
@@ -43,7 +45,8 @@ ThreadTap::ThreadTap(quor::TraceLevel_e level) : TraceTap(level) {
 std::string ThreadTap::Lines(const std::string& module) {
     std::string text;
     for (const auto& [thread, line] : LinesOfThreads(module)) {
-        text += std::to_string(thread) + " " + line;
+        const std::size_t life = line.find(c_life);
+        text += std::to_string(thread) + " " + (life == 0 ? line.substr(c_life.size()) : line);
     }
     return text;
 }

@@ -19,7 +19,8 @@ class ThreadTap : public TraceTap {
 public:
     explicit ThreadTap(quor::TraceLevel_e level = quor::Low);
     /// The lines since the start: the thread's number, 0 for the caller, the others in the order of
-    /// their first lines; the file unless it is `module`; the text. Without the places of throws.
+    /// their first lines; the file unless it is `module`; the text, but for "Worker thread: "
+    /// before it. Without the places of throws.
     static std::string Lines(const std::string& module);
     /// The lines thread by thread, without numbers: the caller's, then, each after a line "-",
     /// those of others, in the order of their texts. After a short time, once they are `expected`;

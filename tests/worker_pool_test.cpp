@@ -34,7 +34,7 @@ TEST(WorkerPool, MakesAWorkerOnceUntilItIsDeleted) {
     pool.GetWorker("a");
     pool.TerminateAll();
     EXPECT_EQ(made, "a none a a ");
-    const std::string life = "0 Worker thread: a: CREATED\n0 Worker thread: a: DESTROYED\n";
+    const std::string life = "0 a: CREATED\n0 a: DESTROYED\n";
     EXPECT_EQ(ThreadTap::Lines("worker_thread"),  // never started: neither stopped nor joined
               life + life + life + "0 worker_pool: Terminated worker threads.\n");
 }
@@ -48,12 +48,9 @@ TEST(WorkerPool, TerminateAllStopsJoinsAndDeletesOneAfterAnotherInTheOrderOfName
     quor::TraceFile::GetInstance().SetLevel(quor::Detail);
     pool.TerminateAll();
     EXPECT_EQ(ThreadTap::Lines("worker_thread"),
-              "0 Worker thread: b: CREATED\n0 Worker thread: b: START\n"
-              "0 Worker thread: a: CREATED\n0 Worker thread: a: START\n"
-              "0 Worker thread: a: REQUEST TO STOP\n1 worker_pool_test: Main ends\n"
-              "0 Worker thread: a: DESTROYED\n"
-              "0 Worker thread: b: REQUEST TO STOP\n2 worker_pool_test: Main ends\n"
-              "0 Worker thread: b: DESTROYED\n"
+              "0 b: CREATED\n0 b: START\n0 a: CREATED\n0 a: START\n"
+              "0 a: REQUEST TO STOP\n1 worker_pool_test: Main ends\n0 a: DESTROYED\n"
+              "0 b: REQUEST TO STOP\n2 worker_pool_test: Main ends\n0 b: DESTROYED\n"
               "0 worker_pool: Terminated worker threads.\n0 *** Trace level changed to 4\n"
               "0 worker_pool: ==> void quor::WorkerPool::TerminateAll()\n"
               "0 worker_pool: Size of worker map: 2\n"
@@ -79,11 +76,9 @@ TEST(WorkerPool, TerminateAllTakesAlongWhatAppearsWhileItRuns) {
     pool.GetWorker("b");
     pool.TerminateAll();
     EXPECT_EQ(ThreadTap::Lines("worker_thread"),
-              "0 Worker thread: b: CREATED\n0 Worker thread: c: CREATED\n"
-              "0 Worker thread: c: START\n0 Worker thread: a: CREATED\n"
-              "0 Worker thread: b: DESTROYED\n0 Worker thread: c: REQUEST TO STOP\n"
-              "1 worker_pool_test: Main ends\n0 Worker thread: c: DESTROYED\n"
-              "0 Worker thread: a: DESTROYED\n0 worker_pool: Terminated worker threads.\n");
+              "0 b: CREATED\n0 c: CREATED\n0 c: START\n0 a: CREATED\n0 b: DESTROYED\n"
+              "0 c: REQUEST TO STOP\n1 worker_pool_test: Main ends\n0 c: DESTROYED\n"
+              "0 a: DESTROYED\n0 worker_pool: Terminated worker threads.\n");
 }
 
 TEST(WorkerPool, FailingFactoryLeavesThePoolAsItWasAndLiveWorkersOutliveIt) {
@@ -104,14 +99,14 @@ TEST(WorkerPool, FailingFactoryLeavesThePoolAsItWasAndLiveWorkersOutliveIt) {
     quor::WorkerThread* const orphan = pool->GetWorker("a");
     delete pool;
     delete orphan;
-    const std::string life = "0 Worker thread: a: CREATED\n0 Worker thread: a: DESTROYED\n";
+    const std::string life = "0 a: CREATED\n0 a: DESTROYED\n";
     EXPECT_EQ(ThreadTap::Lines("worker_thread"),
-              "0 Worker thread: a: CREATED\n0 exception: ** Thrown quor::Exception: "
-              "Worker thread: a: made for the name b\n0 Worker thread: a: DESTROYED\n" +
+              "0 a: CREATED\n0 exception: ** Thrown quor::Exception: "
+              "Worker thread: a: made for the name b\n0 a: DESTROYED\n" +
                   life +
-                  "0 Worker thread: a: CREATED\n"
+                  "0 a: CREATED\n"
                   "0 worker_pool: WARNING: Worker pool destroyed with live worker: a\n"
-                  "0 Worker thread: a: DESTROYED\n");
+                  "0 a: DESTROYED\n");
 }
 
 TEST(WorkerPool, TerminatesByANameThatGoesWithTheWorker) {

@@ -118,10 +118,9 @@ TEST(WorkerThread, DestroyedWhileItRunsStopsAndJoinsButNeverItself) {
     started.Await();
     RunCancelled([worker] { delete worker; });
     EXPECT_EQ(ThreadTap::Lines("worker_thread"),
-              "0 Worker thread: w: CREATED\n0 Worker thread: w: START\n"
+              "0 w: CREATED\n0 w: START\n"
               "1 WARNING: Worker thread: w: destroyed before its thread was joined\n"
-              "1 Worker thread: w: REQUEST TO STOP\n2 worker_thread_test: Main ends\n"
-              "1 Worker thread: w: DESTROYED\n");
+              "1 w: REQUEST TO STOP\n2 worker_thread_test: Main ends\n1 w: DESTROYED\n");
     (new Worker("v", [](Worker& self) { delete &self; }))->Start();
     trace.WaitFor("Worker thread: v: DESTROYED");
 }
