@@ -275,7 +275,7 @@ TEST(ThreadController, IsGoneWithItsLoopAtOnceInAStormFromFourThreads) {
         &ThreadController::Start,        &ThreadController::Stop,
         &ThreadController::Restart,      &ThreadController::AsyncStop,
         &ThreadController::AsyncRestart, &ThreadController::AsyncStart};
-    for (int round = 0; round < 500; ++round) {
+    for (int round = 0; round < 200; ++round) {
         std::atomic<bool> ended{false};
         std::optional<ThreadController> controller(
             std::in_place, "c",

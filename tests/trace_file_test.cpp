@@ -4,6 +4,9 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
+#include <map>
+#include <sstream>
+
 namespace quor_test {
 
 constexpr const char* c_changed = "[#: #] *** Trace level changed to ";
@@ -53,32 +56,90 @@ TEST(TraceFile, OpensTheFileThatNameAndDirectoryChoose) {
     EXPECT_EQ(File().GeneratedTraceFileName(), "sub/" + generated);
 }
 
-TEST(TraceFile, SetLevelOpensMarksAndClosesTheTrace) {
-    TraceTap trace(Off);
-    EXPECT_TRUE(File().SetDumpStack(true));
-    for (const TraceLevel_e level : {High, High, Detail, Off, Low}) {
-        EXPECT_TRUE(File().SetLevel(level));
-        EXPECT_EQ(File().IsActive(), level != Off);
-        EXPECT_EQ(DumpsStack(), level == Detail || level == Off);
+// Takes a step of the trace: a number is the level of "start", "level" and of a line, whose text it
+// is. "move" renames the file, "full" loses a line. Returns the state behind it: the level, then a,
+// if active, g, if the gate of Low is open, and d, if stacks are dumped.
+std::string Take(const std::string& step) {
+    const std::size_t digit = step.find_first_of("01234");
+    const auto level = digit < step.size() ? static_cast<TraceLevel_e>(step[digit] - '0') : Off;
+    const std::map<std::string, std::function<void()>> actions = {
+        {"start", [level] { File().Start(level); }},
+        {"level", [level] { File().SetLevel(level); }},
+        {"line", [&] { Line(level, step.substr(4)); }},
+        {"console", [] { TraceFile::Init("-", ""); }},
+        {"missing", [] { TraceFile::Init("missing/trace.log", ""); }},
+        {"full-device", [] { TraceFile::Init("/dev/full", ""); }},
+        {"file", [] { TraceFile::Init("trace.log", ""); }},
+        {"folder",
+         [] { std::filesystem::create_directory("d"), TraceFile::Init("trace.log", "d"); }},
+        {"remove", [] { std::filesystem::remove_all("d"); }},
+        {"move", [] { std::filesystem::rename("trace.log", "moved"); }},
+        {"dump", [] { File().SetDumpStack(true); }},
+        {"stack", [] { File().DumpStack(); }},
+        {"pause", [] { File().Pause(); }},
+        {"continue", [] { File().Continue(); }},
+        {"reopen", [] { File().Reopen(); }},
+        {"stop", [] { File().Stop(); }}};
+    if (step == "full") {
+        const ScopedValue full(g_hooks.diskFull, true);
+        Line(Low, "lost");
+    } else {
+        actions.at(step.substr(0, digit))();
     }
-    EXPECT_EQ(trace.News(), TraceOpening("started") + c_changed + "3\n" + c_changed + "4\n" +
-                                c_changed + "0\n" + TraceClosing() + TraceOpening("appended") +
-                                c_changed + "1\n");
+    return std::to_string(Level()) + (File().IsActive() ? "a" : "") +
+           (TraceGateOpen(Low) ? "g" : "") + (DumpsStack() ? "d" : "");
 }
 
-TEST(TraceFile, StartDoesNothingAtOffOrWhileAFileIsOpen) {
-    TraceTap trace(Off);
-    EXPECT_FALSE(File().IsActive() || std::filesystem::exists("trace.log"));
-    File().Start(Detail);
-    File().Start(Low);
-    File().Pause();
-    File().Start(Low);
-    EXPECT_FALSE(DumpsStack() || File().IsActive());
-    File().Stop();
-    File().SetLevel(Detail);  // still the level
-    EXPECT_EQ(Level(), Detail);
-    EXPECT_EQ(trace.News(),
-              TraceOpening("started") + "[#: #] *** Tracing paused. ***\n" + TraceClosing());
+TEST(TraceFile, OpensPausesReopensAndClosesAsItsTableSays) {
+    const std::string started = TraceOpening("started");
+    const std::string appended = TraceOpening("appended");
+    const std::string paused = "[#: #] *** Tracing paused. ***\n";
+    const std::string continued = "[#: #] *** Tracing continued. ***\n";
+    const struct {
+        const char* steps;
+        const char* states;
+        std::string trace;
+        std::string moved = "";
+        std::string errors = "";
+    } rows[] = {
+        {"dump level3 level3 level4 level0 level1", "0d 3ag 3ag 4agd 0d 1ag",
+         started + c_changed + "3\n" + c_changed + "4\n" + c_changed + "0\n" + TraceClosing() +
+             appended + c_changed + "1\n"},
+        {"start0 start4 start1 pause start1 stop level4", "0 4ag 4ag 4 4 4 4",
+         started + paused + TraceClosing()},
+        {"start2 pause line2 level4 stack continue stop pause continue line1",
+         "2ag 2 2 4d 4d 4agd 4d 4d 4agd 4agd",
+         started + paused + "[#: #]   76: 2\n" + c_changed + "4\n" + continued + TraceClosing()},
+        {"reopen start1 console pause move reopen continue", "0 1ag 1ag 1 1 1 1ag",
+         started + continued, started + paused + TraceClosing()},
+        {"start1 move reopen full reopen line1", "1ag 1ag 1ag 1ag 1ag 1ag",
+         started + appended + "[#: #]   76: 1\n", started + TraceClosing(),
+         "Unable to write to log file: trace.log\n"},
+        {"console start1 file reopen stop", "0 1ag 1ag 1ag 1", ""},
+        {"missing start3 file level3", "0 3 3 3", ""},
+        {"folder start3 remove reopen", "0 3ag 3ag 3", ""},
+        {"full-device start3 file level3", "0 3 3 3", "", "",
+         "Unable to write to log file: /dev/full\n"},
+        {"start2 full line1 level3 stop start1", "2ag 2ag 2ag 3ag 3 1ag", started + appended, "",
+         "Unable to write to log file: trace.log\n"},
+    };
+    for (const auto& row : rows) {
+        TraceTap trace(Off);
+        std::istringstream steps(row.steps);
+        std::string states;
+        {
+            const Redirected output(STDOUT_FILENO, "output");
+            const Redirected errors(STDERR_FILENO, "errors");
+            for (std::string step; steps >> step;) {
+                states += (states.empty() ? "" : " ") + Take(step);
+            }
+        }
+        EXPECT_EQ(states, row.states) << row.steps;
+        EXPECT_EQ(trace.News(), row.trace) << row.steps;
+        EXPECT_EQ(Masked(ReadFile("moved")), row.moved) << row.steps;
+        EXPECT_EQ(ReadFile("errors"), row.errors) << row.steps;
+        EXPECT_EQ(Masked(ReadFile("output")), row.steps[0] == 'c' ? started + TraceClosing() : "");
+    }
 }
 
 TEST(TraceFile, WritesWhatIsAtMostItsLevelAndNeverAtOff) {
@@ -88,29 +149,6 @@ TEST(TraceFile, WritesWhatIsAtMostItsLevelAndNeverAtOff) {
         EXPECT_EQ(TraceGateOpen(level), level <= Medium);
     }
     EXPECT_EQ(trace.News(), "[#: #]   76: 1\n[#: #]   76: 2\n");
-}
-
-TEST(TraceFile, PausedKeepsItsFileAndClosesTheGateAlone) {
-    TraceTap trace(Medium);
-    File().Pause();
-    EXPECT_FALSE(File().IsActive() || TraceGateOpen(Low));
-    Line(Medium, "past the gate");
-    File().SetLevel(Detail);
-    EXPECT_FALSE(File().IsActive());
-    File().DumpStack();
-    File().Continue();
-    EXPECT_TRUE(File().IsActive() && TraceGateOpen(Detail));
-    EXPECT_EQ(trace.News(),
-              "[#: #] *** Tracing paused. ***\n[#: #]   76: past the gate\n" +
-                  (c_changed + std::string("4\n[#: #] *** Tracing continued. ***\n")));
-    File().Stop();
-    trace.News();
-    File().Pause();
-    EXPECT_FALSE(File().IsActive());
-    File().Continue();  // without a file
-    EXPECT_TRUE(File().IsActive() && TraceGateOpen(Detail));
-    Line(Low, "dropped");
-    EXPECT_EQ(trace.News(), "");
 }
 
 TEST(TraceFile, PrefixesTextsAsTheFlagsSayAndEndsThemAtTheirNul) {
@@ -190,43 +228,6 @@ TEST(TraceFile, DumpsTheStackAsOneEntryOfNumberedLinesAndAnEmptyOne) {
     EXPECT_THAT(trace.News(), testing::ContainsRegex("\n62\\. [^\n]+\n63\\. [^\n]+\n\n$"));
 }
 
-TEST(TraceFile, ReopensTheFileThatIsOpenAndNothingElse) {
-    TraceTap trace(Off);
-    File().Reopen();
-    EXPECT_FALSE(std::filesystem::exists("trace.log"));
-    {
-        const Redirected output(STDOUT_FILENO, "output");
-        TraceFile::Init("-", "");
-        File().Start(Low);
-        TraceFile::Init("trace.log", "");
-        File().Reopen();
-        EXPECT_TRUE(File().IsActive());
-        File().Stop();
-    }
-    EXPECT_EQ(Masked(ReadFile("output")), TraceOpening("started") + TraceClosing());
-    File().Start(Low);
-    TraceFile::Init("-", "");
-    File().Pause();
-    std::filesystem::rename("trace.log", "paused");
-    File().Reopen();
-    EXPECT_FALSE(TraceGateOpen(Low));
-    File().Continue();
-    std::filesystem::rename("trace.log", "running");
-    File().Reopen();
-    EXPECT_TRUE(TraceGateOpen(Low));
-    {
-        const Redirected errors(STDERR_FILENO, "errors");
-        const ScopedValue full(g_hooks.diskFull, true);
-        Line(Low, "lost");
-    }
-    File().Reopen();
-    Line(Low, "revived");
-    EXPECT_EQ(Masked(ReadFile("running")),
-              TraceOpening("started") + "[#: #] *** Tracing continued. ***\n" + TraceClosing());
-    EXPECT_EQ(trace.News(),
-              TraceOpening("started") + TraceOpening("appended") + "[#: #]   76: revived\n");
-}
-
 // A thread that holds the trace's mutex may be gone in a child, and memory may have run out.
 TEST(TraceFileProcess, NothingKeepsTheProcessFromItsEnd) {
     for (const bool blocked : {false, true}) {
@@ -268,39 +269,6 @@ TEST(TraceFile, AppendsPastTwoGigabytes) {
     file.seekg(static_cast<std::streamoff>(c_size));
     const std::string text(std::istreambuf_iterator<char>(file), {});
     EXPECT_EQ(Masked(text), TraceOpening("appended") + TraceClosing());
-}
-
-TEST(TraceFile, AFailureStopsItUntilTheNextStart) {
-    TraceTap trace(Off);
-    const Redirected errors(STDERR_FILENO, "errors");
-    for (const char* name : {"missing/trace.log", "/dev/full"}) {
-        TraceFile::Init(name, "");
-        File().Start(High);
-        TraceFile::Init("trace.log", "");
-        File().SetLevel(High);  // kept
-        EXPECT_FALSE(File().IsActive() || TraceGateOpen(Low)) << name;
-    }
-    std::filesystem::create_directory("folder");
-    TraceFile::Init("trace.log", "folder");
-    File().Start(High);
-    std::filesystem::rename("folder", "moved");
-    File().Reopen();
-    EXPECT_FALSE(File().IsActive() || TraceGateOpen(Low));
-    TraceFile::Init("trace.log", "");
-    File().Start(Medium);
-    {
-        const ScopedValue full(g_hooks.diskFull, true);
-        Line(Low, "lost");
-    }
-    Line(Low, "dropped");
-    File().SetLevel(High);
-    EXPECT_TRUE(File().IsActive());
-    File().Stop();
-    File().Start(Low);
-    EXPECT_EQ(Level(), Low);
-    EXPECT_EQ(trace.News(), TraceOpening("started") + TraceOpening("appended"));
-    EXPECT_EQ(ReadFile("errors"),
-              "Unable to write to log file: /dev/full\nUnable to write to log file: trace.log\n");
 }
 
 }  // namespace quor_test
