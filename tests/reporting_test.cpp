@@ -4,8 +4,6 @@
 #include <quor/exception.h>
 #include <quor/synchronizer.h>
 
-#include <signal.h>
-
 #include <iostream>
 #include <sstream>
 
@@ -109,29 +107,6 @@ TEST(Reporting, SaysThatTheDiskIsFullAlsoWhereStandardErrorGoesIntoTheLog) {
         const ScopedValue full(g_hooks.diskFull, true);
         report();
         EXPECT_EQ(errors.str(), "Unable to write to log file: trace.log\n");
-    }
-}
-
-TEST(ReportingProcess, LeavesWholeLinesWhenKilled) {
-    for (int round = 0; round < 30; ++round) {
-        const Folder folder;
-        std::ofstream("trace.log").flush();
-        Child child([](Pipe&) {
-            TraceFile::Init("trace.log", "");
-            TraceFile::GetInstance().Start(High);
-            const auto work = [](int thread) {
-                for (int pass = 0;; ++pass) Report(thread, pass);
-            };
-            std::thread other(work, 3);
-            work(4);
-        });
-        WaitForText("trace.log", "pass " + std::to_string(round * 37));
-        kill(child.pid, SIGKILL);
-        EXPECT_EQ(child.Exit(), -SIGKILL);
-        const std::string text = ReadFile("trace.log");
-        // The kernel may stop the write of a killed process at the end of a page.
-        EXPECT_TRUE(text.back() == '\n' || text.size() % 4096 == 0)
-            << text.substr(text.size() - 99);
     }
 }
 

@@ -81,21 +81,6 @@ struct Grouping : std::numpunct<char> {
     std::string do_grouping() const override { return "\1"; }
 };
 
-TEST(TraceMacro, PrintsNumbersPlainlyWhateverTheLocaleAndTheMessageBefore) {
-    const std::locale previous =
-        std::locale::global(std::locale(std::locale::classic(), new Grouping));
-    {
-        TraceTap trace;
-        TraceWrite(Low, "f", "file", 12345, "x");
-        TraceFile::GetInstance().SetPrintLine(false);
-        QUOR_TRACE(Low, std::hex << std::showbase << std::setfill('*') << 4096);
-        QUOR_TRACE(Low, 123456 << std::setw(3) << 1);
-        EXPECT_EQ(Masked(ReadFile("trace.log")),
-                  TraceOpening("started") + "[#: #] 12345: x\n[#: #] #\n[#: #] 123456  1\n");
-    }
-    std::locale::global(previous);
-}
-
 std::string StateOf(std::ostream& stream, int word) {
     std::ostringstream state;
     state.imbue(std::locale::classic());
