@@ -97,6 +97,7 @@ struct Guard {
     Guard& operator=(const Guard&) = delete;
 };
 
+/// Another value of a variable, which ends with its earlier one.
 template <typename T, typename Value>
 struct ScopedValue : Guard {
     ScopedValue(T& borrowed, Value value) : variable(borrowed), saved(borrowed) {
@@ -107,7 +108,8 @@ struct ScopedValue : Guard {
     Value saved;
 };
 
-/// The real-time clock: stands still, or moves on by `step` seconds at every reading.
+/// A real-time clock that stands still, or moves on by `step` seconds at every reading, in place of
+/// the system's, which is back at the end.
 struct FakeClock : Guard {
     explicit FakeClock(time_t seconds, time_t step = 0) {
         g_hooks.seconds = seconds;
@@ -118,6 +120,7 @@ struct FakeClock : Guard {
     void Advance(time_t seconds) { g_hooks.seconds += seconds; }
 };
 
+/// The time zone TZ; the end sets the one from before.
 struct ScopedZone : Guard {
     explicit ScopedZone(const std::string& zone);
     ~ScopedZone() { Set(saved); }
@@ -125,7 +128,7 @@ struct ScopedZone : Guard {
     std::string saved;
 };
 
-/// A new, empty working directory.
+/// A new, empty working directory; the end removes it and returns to the one before.
 struct Folder : Guard {
     Folder();
     ~Folder();
@@ -133,7 +136,8 @@ struct Folder : Guard {
     std::string path;
 };
 
-/// A standard descriptor that goes to `file`, or is closed when that is empty.
+/// A standard descriptor that goes to `file`, or is closed when that is empty; the end puts it
+/// back.
 struct Redirected : Guard {
     Redirected(int descriptor, const std::string& file);
     ~Redirected();
