@@ -101,5 +101,23 @@ TEST(Synchronizer, OnlyDecrementToZeroAndCancelWakeAllWaiters) {
     }
 }
 
+TEST(Synchronizer, CountsWhatThreadsAddAtOnce) {
+    Synchronizer barrier(0, 1, 1);
+    const auto add = [&barrier] {
+        for (int count = 0; count < 10'000; ++count) {
+            barrier.Increment();
+        }
+    };
+    std::future<void> other = std::async(std::launch::async, add);
+    add();
+    other.get();
+    for (int count = 1; count < 20'000; ++count) {
+        barrier.Decrement();
+    }
+    EXPECT_FALSE(barrier.Wait());
+    barrier.Decrement();
+    EXPECT_TRUE(barrier.Wait());
+}
+
 }  // namespace
 }  // namespace quor_test

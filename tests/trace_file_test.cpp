@@ -249,6 +249,7 @@ TEST(TraceFileProcess, NothingKeepsTheProcessFromItsEnd) {
                 }
             }
             Hooks::allocations = 0;
+            pthread_cancel(pthread_self());
             exit(0);
         });
         close(pipe[1]);

@@ -124,19 +124,24 @@ TEST(WorkerPool, TerminatesByANameThatGoesWithTheWorker) {
 
 TEST(WorkerPool, OnlyOneOfSeveralTerminationsOfANameActs) {
     std::atomic<int> started{0};
-    Pool pool([&started](Worker& worker) {
-        ++started;
+    Pool* self = nullptr;
+    Pool pool([&](Worker& worker) {
+        self->GetWorker("b" + std::to_string(++started));
         WaitForStop(worker);
     });
+    self = &pool;
     for (int round = 1; round <= 300; ++round) {
         quor::WorkerThread* const worker = pool.GetWorker("a");
         std::vector<std::thread> threads;
         for (int thread = 0; thread < 3; ++thread) {
-            threads.emplace_back([&] {
+            threads.emplace_back([&, thread] {
                 while (started != round) {  // which may be before Start() returns
                     std::this_thread::yield();
                 }
                 pool.Terminate("a");
+                const std::string own = "c" + std::to_string(thread);
+                pool.GetWorker(own);
+                pool.Terminate(own);
             });
         }
         worker->Start();
@@ -144,6 +149,9 @@ TEST(WorkerPool, OnlyOneOfSeveralTerminationsOfANameActs) {
             thread.join();
         }
     }
+    pool.GetWorker("a")->Start();  // asks for a worker while all are terminated
+    pool.TerminateAll();
+    EXPECT_EQ(started, 301);
 }
 
 }  // namespace

@@ -43,14 +43,10 @@ bool WriteBlock(int fd, const std::string& block) {
 // Gives a file that this process created its mode. The creation mask is the whole process's: to
 // clear it, even for a moment, would open up what other threads create meanwhile.
 int Create(const char* fileName) {
-    int fd = open(fileName, c_openFlags | O_CREAT | O_EXCL, c_fileMode);
+    const int fd = open(fileName, c_openFlags | O_CREAT | O_EXCL, c_fileMode);
     if (fd == c_closed && errno == EEXIST) {
         // Another process was faster, or the name is a link to a missing file.
-        fd = open(fileName, c_openFlags | O_CREAT, c_fileMode);
-        struct stat status {};
-        if (fd == c_closed || fstat(fd, &status) != 0 || status.st_size != 0) {
-            return fd;
-        }
+        return open(fileName, c_openFlags | O_CREAT, c_fileMode);
     }
     if (fd != c_closed) {
         fchmod(fd, c_fileMode);

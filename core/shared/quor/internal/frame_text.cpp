@@ -24,8 +24,8 @@ CText Demangle(const char* mangled) {
 // text: that is asked for only where there is no better.
 std::string FrameText(void* address) {
     Dl_info info{};
-    const bool known = dladdr(address, &info) != 0 && info.dli_sname != nullptr;
-    const CText function = known ? Demangle(info.dli_sname) : nullptr;
+    dladdr(address, &info);
+    const CText function = info.dli_sname != nullptr ? Demangle(info.dli_sname) : nullptr;
     if (function == nullptr) {
         const std::unique_ptr<char*, Free> symbols(backtrace_symbols(&address, 1));
         return symbols != nullptr ? *symbols : std::string();
