@@ -40,10 +40,10 @@ TEST(Log, WritesToStandardOutputWhileThereIsNeitherFileNorTrace) {
             const TraceTap trace;
             Log::GetInstance().Warning("traced");
         }
+        std::filesystem::create_directory("missing");
+        Log::GetInstance().Warning("c");
     }
     EXPECT_EQ(ReadFile("output"), "Warning : a\nWarning : b\nWarning : a\nWarning : b\n");
-    std::filesystem::create_directory("missing");
-    Log::GetInstance().Warning("c");
     EXPECT_EQ(Masked(ReadFile("missing/app.log")), LogOpening() + "[#] Warning : c\n");
 }
 

@@ -196,7 +196,8 @@ void ValuesAct() {
             "half a record");
     Try([&] { TraceFile::Init(text, text); });
     const Exception exception(text.c_str(), true);
-    Require(text.rfind(exception.what(), 0) == 0, "neither the text nor its beginning");
+    Require(text.rfind(exception.what(), 0) == 0 && *exception.what() != '\0',
+            "neither the text nor its beginning");
     const auto copied = [&] { return Any(Any(text)).Get<std::string>(); };
     Try([&] { Require(copied() == text, "another value"); }, c_memory | c_own);
     Try([] { Time::Now(Time::eDate).ToText(); }, 0);

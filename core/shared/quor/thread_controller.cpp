@@ -100,9 +100,8 @@ void ThreadController::StartLoop(std::unique_lock<std::mutex>& lock) {
     try {
         Detach([this] { Run(); });
     } catch (...) {
-        // No thread will ever take over, so nobody may wait for it.
+        // No thread will ever take over. Nobody has seen eStarting: the lock was held all the time.
         m_state = eStopped;
-        m_condition.notify_all();
         throw;
     }
     WaitOnStateExit(eStarting, lock);
