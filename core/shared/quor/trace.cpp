@@ -2,8 +2,9 @@
 #include <quor/trace.h>
 
 #include <quor/detail/errno_keeper.h>
-#include <quor/internal/joined.h>
 #include <quor/internal/trace_file_internals.h>
+
+#include <cstring>
 
 namespace quor {
 
@@ -23,7 +24,12 @@ void TraceWrite(TraceLevel_e level, const char* /*function*/, const char* file, 
 void TraceFnc::Write(const char* arrow, const char* function, const char* file, int line) noexcept {
     const detail::ErrnoKeeper keeper;
     try {
-        TraceWrite(High, function, file, line, internal::Joined({arrow, function}));
+        const std::string_view scope(function);
+        internal::LineBuffer room(internal::c_lineGap, std::strlen(arrow) + scope.size());
+        char* const text = room.Text();
+        internal::TraceFileInternals::WriteLine(
+            TraceFile::GetInstance(), High, file, line,
+            {text, internal::Put(internal::Put(text, arrow), scope), internal::c_lineGap});
     } catch (...) {
     }
 }
