@@ -106,10 +106,10 @@ void LogAct() {
     InitLog("app.log");
     Say(&Log::Info, "app.log", Text("info"));
     Say(&Log::Warning, "app.log", Text("long", 3000));
-    InitLog("missing/app.log");
-    Say(&Log::Critical, "out", Text("unopened"));
     InitLog("");
     Say(&Log::Error, "out", Text("nameless"));
+    InitLog("missing/app.log");
+    Say(&Log::Critical, "out", Text("unopened"));
     InitLog("app.log");
     StartTrace();
     Say(&Log::Error, "app.log", Text("traced"));

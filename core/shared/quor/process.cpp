@@ -44,10 +44,7 @@ __attribute__((noinline)) std::vector<std::string> GetExecutionStack(int depth) 
     void* frames[c_maxDepth + 1];
     const int count = backtrace(frames, std::min(depth, c_maxDepth) + 1);
     std::vector<std::string> stack;
-    if (count <= 1) {
-        return stack;
-    }
-    stack.reserve(static_cast<std::size_t>(count) - 1);
+    stack.reserve(static_cast<std::size_t>(std::max(count, 1)) - 1);
     for (int index = 1; index < count; ++index) {
         std::string text = internal::FrameText(frames[index]);
         if (text.empty()) {
