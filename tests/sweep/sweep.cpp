@@ -20,7 +20,6 @@
 #include <iomanip>
 #include <iostream>
 #include <optional>
-#include <regex>
 #include <sstream>
 
 namespace quor_test {
@@ -391,9 +390,9 @@ int RunProcess(const Act& act, const Kind& kind, int number) {
 
 // Whether it may be a line of log or trace, of a stack, or of an assertion's report.
 bool IsWhole(const std::string& line) {
-    static const std::regex head("[0-9]+\\. |\\*\\*\\*|\\[#(: #)?\\] ");
-    return std::regex_search(line, head, std::regex_constants::match_continuous) &&
-           line.find("[#: ", 1) == std::string::npos &&
+    static const testing::Matcher<const std::string&> head =
+        testing::ContainsRegex("^([0-9]+\\. |\\*\\*\\*|\\[#(: #)?\\] )");
+    return head.Matches(line) && line.find("[#: ", 1) == std::string::npos &&
            (line.find('|') == std::string::npos || line.back() == '|');
 }
 

@@ -37,7 +37,7 @@ void Try(const Step& step) {
 }
 
 std::string AssertFileName() {
-    return internal::Joined({QUOR_ASSERT_DIRECTORY "/assert_", GetPid(), "_", GetTid(), ".log"});
+    return internal::Joined({QUOR_ASSERT_DIRECTORY, "/assert_", GetPid(), "_", GetTid(), ".log"});
 }
 
 std::string FailureText(const char* file, int line, const char* function, const char* reason) {
