@@ -1,9 +1,9 @@
 #!/bin/bash
-# planted_faults.sh LIBRARY_FOLDER VERSION COMPILER PROGRAM EXAMPLES: each check of scripts/ fails, for the
+# planted_faults.sh LIBRARY_FOLDER VERSION COMPILER EXAMPLES: each check of scripts/ fails, for the
 # right reason, on an input with a fault planted in it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-library_folder=$1 version=$2 compiler=$3 program=$4 examples=$5
+library_folder=$1 version=$2 compiler=$3 examples=$4
 library=$library_folder/libzelvarquor.so.$version
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -75,21 +75,16 @@ for function in AsksByCall NeverAsks; do
         scripts/check-gate "$work/gate.o" "$function"
 done
 
-# The README: another program, another trace
-for change in 's/files waiting: " <</files left: " <</' 's/files waiting: 2/files waiting: 3/'; do
-    sed "$change" README.md >"$work/README.md"
-    fails_with '+++ README.md' scripts/check-readme "$program" "$work/README.md"
-done
-
-# The guide: another program, another output, another name of a test
-cp -r docs "$work/docs"
-for change in 'guide.md|s/files = 3/files = 4/|+    const int files = 3' \
-    'examples/signals.out|s/Quit/Quits/|-Quits' \
-    'promises.md|s/Log\.Copies/Log.Hides/|no test Log.Hides'; do
+# The documents: another program, another output, another name of a test
+mkdir "$work/tree"
+cp -r README.md docs "$work/tree"
+for change in 'README.md|s/files : {2, 0}/files : {3, 0}/|+    for (int files : {2, 0})' \
+    'docs/examples/signals.out|s/Quit/Quits/|-Quits' \
+    'docs/promises.md|s/Log\.Copies/Log.Hides/|no test Log.Hides'; do
     IFS='|' read -r page edit expected <<<"$change"
-    sed "$edit" "docs/$page" >"$work/docs/$page"
-    QUOR_DOCS=$work/docs fails_with "$expected" scripts/check-docs "$examples"
-    cp "docs/$page" "$work/docs/$page"
+    sed "$edit" "$page" >"$work/tree/$page"
+    QUOR_TREE=$work/tree fails_with "$expected" scripts/check-docs "$examples"
+    cp "$page" "$work/tree/$page"
 done
 
 exit $failed
