@@ -8,7 +8,7 @@ while [ $run -lt "$2" ]; do
     rm -f "$folder"/*
     "$1" "$folder/trace" "$folder/log"
     if [ "$(tail -n 5 "$folder/trace" | sed -n 2p)" != "* ***** Trace stopped *****" ] ||
-        [ "$(grep -c '^\* \*\*\*\*\* Trace' "$folder/trace")" != 2 ]; then
+        [ "$(grep -c '^\* \*\*\*\*\* Trace' "$folder/trace")" != 2 ] || ! grep -q 'Info    : the last' "$folder/trace"; then
         tail -n 20 "$folder/trace"
         echo "run $run: the trace does not end in its trailer"
         exit 1

@@ -60,19 +60,21 @@ TEST(LogFile, FramesLinesAsTheFlagsSayInOneWriteEach) {
     NotesFile file;
     const int writes = g_hooks.Calls(Call::eWrite);
     const int syncs = g_hooks.Calls(Call::eSync);
-    EXPECT_TRUE(file.Open("notes", true));
-    for (const auto& [header, trailer] :
-         {std::pair(true, true), {true, false}, {false, true}, {false, false}}) {
-        bool headerRead = !header;
-        bool trailerRead = !trailer;
-        EXPECT_TRUE(file.SetPrintLineHeader(header) && file.GetPrintLineHeader(headerRead));
-        EXPECT_TRUE(file.SetPrintLineTrailer(trailer) && file.GetPrintLineTrailer(trailerRead));
-        EXPECT_TRUE(headerRead == header && trailerRead == trailer);
-        file.Write("a\nb", 0);
-    }
-    std::string block = "block";
-    EXPECT_TRUE(file.WriteHeader(block));
-    file.Close();
+    RunCancelled([&file] {
+        EXPECT_TRUE(file.Open("notes", true));
+        for (const auto& [header, trailer] :
+             {std::pair(true, true), {true, false}, {false, true}, {false, false}}) {
+            bool headerRead = !header;
+            bool trailerRead = !trailer;
+            EXPECT_TRUE(file.SetPrintLineHeader(header) && file.GetPrintLineHeader(headerRead));
+            EXPECT_TRUE(file.SetPrintLineTrailer(trailer) && file.GetPrintLineTrailer(trailerRead));
+            EXPECT_TRUE(headerRead == header && trailerRead == trailer);
+            file.Write("a\nb", 0);
+        }
+        std::string block = "block";
+        EXPECT_TRUE(file.WriteHeader(block));
+        file.Close();
+    });
     EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 7);
     EXPECT_EQ(g_hooks.Calls(Call::eSync) - syncs, 4);
     EXPECT_EQ(ReadFile("notes"), "header\n<a\nb>\n<a\nb\na\nb>\na\nb\nblocktrailer\n");

@@ -61,12 +61,7 @@ struct Cancelling : std::stringbuf {
 TEST(Log, FinishesTheMessageOfACancelledThread) {
     EXPECT_FALSE(Log::Init(""));
     Cancelling output;
-    std::thread([] {
-        pthread_cancel(pthread_self());
-        Log::GetInstance().Warning("a");
-        pthread_testcancel();
-        ADD_FAILURE() << "not cancelled";
-    }).join();
+    RunCancelled([] { Log::GetInstance().Warning("a"); });
     Log::GetInstance().Warning("b");
     EXPECT_EQ(output.str(), "Warning : a\nWarning : b\n");
 }
@@ -89,16 +84,18 @@ TEST(Log, CopiesMessagesIntoTheRunningTrace) {
 
 TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto report = [] {
+    const auto report = [](bool turnOff) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         TraceFile::GetInstance().Start(Low);
         LogCritical("x");
         std::cout << "of the host";
-        TraceFile::GetInstance().Stop();
+        turnOff ? void(TraceFile::GetInstance().SetLevel(Off)) : TraceFile::GetInstance().Stop();
         _exit(Log::m_enabled ? 1 : 0);
     };
-    EXPECT_EXIT(report(), testing::ExitedWithCode(0),
+    EXPECT_EXIT(report(false), testing::ExitedWithCode(0),
                 "[0-9]: x\n(.+\n)?of the host\n-+\n.+ Trace stopped");
+    EXPECT_EXIT(report(true), testing::ExitedWithCode(0),
+                "of the host.+ changed to 0\n\n-+\n.+ Trace stopped");
 }
 
 }  // namespace quor_test

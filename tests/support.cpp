@@ -71,6 +71,7 @@ int clock_gettime(clockid_t clock, timespec* now) noexcept {
 }
 
 ssize_t write(int fd, const void* data, size_t size) {
+    pthread_testcancel();
     if (size > 0 && g_hooks.Fails(Call::eWrite)) {
         return g_hooks.harm == Harm::eShort ? syscall(SYS_write, fd, data, size / 2) : -1;
     }
@@ -265,6 +266,15 @@ void WaitForText(const std::string& file, const std::string& text) {
         Pipe::Check(read(changes.fd, events, sizeof(events)) > 0);
     }
     close(changes.fd);
+}
+
+void RunCancelled(const std::function<void()>& action) {
+    std::thread([&action] {
+        pthread_cancel(pthread_self());
+        action();
+        pthread_testcancel();
+        ADD_FAILURE() << "can no longer be cancelled";
+    }).join();
 }
 
 ScopedZone::ScopedZone(const std::string& zone) {

@@ -42,6 +42,9 @@ void ResetTrace();
 /// Sleeps until `file` holds `text`. After 10 s, a hang, it throws and names the text.
 void WaitForText(const std::string& file, const std::string& text);
 
+/// Runs `action`, which must have no cancellation point, on a thread that has been cancelled.
+void RunCancelled(const std::function<void()>& action);
+
 /// What support.cpp puts itself in front of: operator new, malloc and functions of the C library.
 enum class Call {
     eMemory,

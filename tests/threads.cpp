@@ -84,14 +84,6 @@ const std::vector<WayOut> c_waysOut = {
 #endif
 };
 
-void RunCancelled(const std::function<void()>& action) {
-    std::thread([&action] {
-        pthread_cancel(pthread_self());
-        action();
-        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    }).join();
-}
-
 void Flag::Raise() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_raised = true;

@@ -40,9 +40,6 @@ struct WayOut {
 };
 extern const std::vector<WayOut> c_waysOut;
 
-/// Runs `action`, which must have no cancellation point, on a thread that has been cancelled.
-void RunCancelled(const std::function<void()>& action);
-
 /// An event that stays raised until it has woken one thread.
 class Flag {
 public:

@@ -64,7 +64,7 @@ std::string Take(const std::string& step) {
     const auto level = digit < step.size() ? static_cast<TraceLevel_e>(step[digit] - '0') : Off;
     const std::map<std::string, std::function<void()>> actions = {
         {"start", [level] { File().Start(level); }},
-        {"level", [level] { File().SetLevel(level); }},
+        {"level", [level] { EXPECT_TRUE(File().SetLevel(level)); }},
         {"line", [&] { Line(level, step.substr(4)); }},
         {"console", [] { TraceFile::Init("-", ""); }},
         {"missing", [] { TraceFile::Init("missing/trace.log", ""); }},
@@ -118,6 +118,8 @@ TEST(TraceFile, OpensPausesReopensAndClosesAsItsTableSays) {
         {"console start1 file reopen stop", "0 1ag 1ag 1ag 1", ""},
         {"missing start3 file level3", "0 3 3 3", ""},
         {"folder start3 remove reopen", "0 3ag 3ag 3", ""},
+        {"start1 level0 continue reopen", "1ag 0 0a 0a",
+         started + c_changed + "0\n" + TraceClosing()},
         {"full-device start3 file level3", "0 3 3 3", "", "",
          "Unable to write to log file: /dev/full\n"},
         {"start2 full line1 level3 stop start1", "2ag 2ag 2ag 3ag 3 1ag", started + appended, "",
@@ -140,6 +142,17 @@ TEST(TraceFile, OpensPausesReopensAndClosesAsItsTableSays) {
         EXPECT_EQ(ReadFile("errors"), row.errors) << row.steps;
         EXPECT_EQ(Masked(ReadFile("output")), row.steps[0] == 'c' ? started + TraceClosing() : "");
     }
+}
+
+TEST(TraceFile, FinishesWhatACancelledThreadBegins) {
+    TraceTap trace;
+    RunCancelled([] {
+        File().Reopen();
+        Line(Low, "text");
+        File().SetLevel(Off);
+    });
+    EXPECT_EQ(trace.News(), TraceClosing() + TraceOpening("appended") + "[#: #]   76: text\n" +
+                                c_changed + "0\n" + TraceClosing());
 }
 
 TEST(TraceFile, WritesWhatIsAtMostItsLevelAndNeverAtOff) {

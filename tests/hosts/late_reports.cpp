@@ -28,6 +28,13 @@ struct Late {
 };
 Late g_builtBeforeTheTrace;
 
+// What it logs at its end is traced, too: the trace is built along with the log.
+struct LogUser {
+    LogUser() { quor::Log::GetInstance(); }
+    ~LogUser() { quor::Log::GetInstance().Info("the last"); }
+};
+LogUser g_builtBeforeMain;
+
 }  // namespace
 
 int main(int /*count*/, char** arguments) {

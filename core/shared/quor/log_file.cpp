@@ -193,7 +193,6 @@ void LogFile::HandleError(int errorCode) {
 }
 
 LogFileInternals::Found LogFileInternals::OpenDescriptor(LogFile& file) {
-    const CancellationOff cancellationOff;
     const std::string& name = file.m_fileName;
     file.m_fd = name.empty() ? c_standardOutput : OpenOrCreate(name.c_str());
     if (file.m_fd == c_standardOutput) {
@@ -216,7 +215,6 @@ void LogFileInternals::CloseWith(LogFile& file, const std::string& trailer) {
     if (file.m_fd == c_closed) {
         return;
     }
-    const CancellationOff cancellationOff;
     const auto closer = Closer(file.m_fd);
     if (!WriteBlock(file.m_fd, trailer)) {
         LateReports::LostTrailer(file.m_fileName);

@@ -177,7 +177,6 @@ void ThreadController::EndLoop(std::unique_lock<std::mutex>& lock) {
         SetState(eTerminating);  // nobody asked for the end: the loop failed
     }
     SetState(eStopped);
-    lock.unlock();
 }
 
 // A wait must not end here, or nobody would end the loop: after a period it tries again.

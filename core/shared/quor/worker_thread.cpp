@@ -83,9 +83,8 @@ bool WorkerThread::IsJoinable() const {
 void WorkerThread::Start() {
     const TraceFnc fnc("void quor::WorkerThread::Start()", c_file, __LINE__);
     const internal::LateReports reports;
-    std::unique_lock<std::mutex> lock(m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_thread.joinable()) {
-        lock.unlock();
         throw Exception(internal::Joined({"Worker thread: ", m_name, ": already started"}), true);
     }
     QUOR_TRACE(Low, "Worker thread: " << m_name << ": START");

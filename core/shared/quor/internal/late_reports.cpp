@@ -49,7 +49,6 @@ void SayPendingReports() noexcept {
 
 void LateReports::LostTrailer(const std::string& fileName) {
     if (!IsHeld()) {
-        const CancellationOff cancellationOff;
         Say(fileName.c_str());
         return;
     }

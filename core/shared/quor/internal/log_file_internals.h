@@ -1,7 +1,6 @@
 #ifndef QUOR_INTERNAL_LOG_FILE_INTERNALS_H
 #define QUOR_INTERNAL_LOG_FILE_INTERNALS_H
 
-#include <quor/internal/cancellation_off.h>
 #include <quor/log_file.h>
 
 #include <unistd.h>
@@ -12,7 +11,8 @@
 
 namespace quor::internal {
 
-// What log and trace need of a LogFile beyond its contract. The owner of the object locks.
+// What log and trace need of a LogFile beyond its contract. The caller has locked the object, and
+// holds a CancellationOff around whatever calls the system.
 struct LogFileInternals {
     static constexpr int c_closed = -1;
     static constexpr int c_standardOutput = 1;
@@ -36,7 +36,6 @@ struct LogFileInternals {
     static void CloseWith(LogFile& file, const std::string& trailer);
     // Writes a complete line, its line feed included.
     static void WriteFinished(LogFile& file, std::string_view line) {
-        const CancellationOff cancellationOff;
         if (write(file.m_fd, line.data(), line.size()) < 0) {
             file.HandleError(errno);
         }

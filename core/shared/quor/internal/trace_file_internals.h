@@ -1,6 +1,7 @@
 #ifndef QUOR_INTERNAL_TRACE_FILE_INTERNALS_H
 #define QUOR_INTERNAL_TRACE_FILE_INTERNALS_H
 
+#include <quor/internal/cancellation_off.h>
 #include <quor/internal/late_reports.h>
 #include <quor/internal/line_buffer.h>
 #include <quor/trace_file.h>
@@ -15,10 +16,11 @@ namespace quor::internal {
 // The state machine of the trace (trace_file.cpp), its lines (trace_line.cpp), and how it begins
 // and ends with the process (trace_lifetime.cpp).
 struct TraceFileInternals {
-    // Holds the trace's mutex, and back whatever has to wait until it is free.
+    // Holds the trace's mutex, and back whatever has to wait until it is free: cancellation, too.
     struct Access {
         explicit Access(TraceFile& trace) : m_lock(trace.m_mutex) {}
 
+        const CancellationOff m_cancellationOff;
         const LateReports m_reports;
         const std::lock_guard<std::mutex> m_lock;
     };
