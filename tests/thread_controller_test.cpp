@@ -12,7 +12,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 namespace quor_test {
@@ -250,25 +249,6 @@ TEST(ThreadController, RefusesAMissingFunction) {
     const std::string refused = "c has no loop function or no cancel function.";
     EXPECT_EQ(Thrown([] { ThreadController("c", nullptr, Nothing); }), refused);
     EXPECT_EQ(Thrown([] { ThreadController("c", Nothing, nullptr); }), refused);
-}
-
-TEST(ThreadController, CanBeUsedAfterARefusedThread) {
-    const ThreadTap trace;
-    const Blocker blocker;
-    const ScopedValue period(cStopSleepPeriodMs, 1U);
-    ThreadController controller("c", blocker.loop, blocker.cancel);
-    const std::function<void(ThreadController&)> operations[] = {
-        &ThreadController::Start, &ThreadController::Restart, &ThreadController::AsyncStart};
-    for (const auto& operation : operations) {
-        g_hooks.Plan(Hooks::Bit(Call::eThread), 1);
-        EXPECT_THROW(operation(controller), std::system_error);
-        EXPECT_EQ(controller.GetState(), ThreadController::eStopped);
-    }
-    g_hooks.Plan(Hooks::Bit(Call::eThread), 2);
-    EXPECT_TRUE(controller.Start());
-    EXPECT_TRUE(controller.Stop());  // by the second cancel thread
-    EXPECT_EQ(ThreadTap::Lines("thread_controller"),
-              "0 WARNING: WorkerThread c. Error: Resource temporarily unavailable\n");
 }
 
 // Of one whose loop goes on, and of one whose loop ends by itself.
