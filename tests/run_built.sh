@@ -37,8 +37,5 @@ for name in $names; do
     run "$name" "$tests/quor_tests" --gtest_filter="$name"
 done
 run late_reports "$sources/tests/late_reports.sh" "$tests/hosts/late_reports" 50
-for fuzzer in create_time text; do
-    run fuzz_corpus.$fuzzer "$tests/fuzz/${fuzzer}_replay" "$sources/tests/fuzz/corpus/$fuzzer"
-done
 echo "$passed passed, $failed failed"
 [ $failed -eq 0 ]

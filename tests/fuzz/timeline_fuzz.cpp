@@ -2,16 +2,23 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "fuzz.h"
 #include "output.h"
 #include "pipeline.h"
 #include "reader.h"
 
 namespace {
+
+void Require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
 
 class Nesting : public timeline::Sink {
 public:
