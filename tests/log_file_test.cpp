@@ -51,6 +51,9 @@ TEST(LogFile, GivesNewAndEmptyFilesAHeaderAndMode0666AndOthersABanner) {
         EXPECT_EQ(ReadFile(row.name), row.after) << row.name;
         EXPECT_EQ(ModeOf(row.name), row.mode) << row.name;
     }
+    g_hooks.Plan(Hooks::Bit(Call::eSeek), 1);  // another process may write to it before then
+    EXPECT_FALSE(NotesFile().Open("unsought", false));
+    EXPECT_EQ(ModeOf("unsought"), 0666u);
     EXPECT_EQ(g_hooks.Calls(Call::eMask), masks);
     EXPECT_EQ(umask(mask), 077u);
 }

@@ -84,17 +84,19 @@ TEST(Log, CopiesMessagesIntoTheRunningTrace) {
 
 TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto report = [](bool turnOff) {
+    const auto report = [](const std::function<void()>& end) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         TraceFile::GetInstance().Start(Low);
         LogCritical("x");
         std::cout << "of the host";
-        turnOff ? void(TraceFile::GetInstance().SetLevel(Off)) : TraceFile::GetInstance().Stop();
+        end();
         _exit(Log::m_enabled ? 1 : 0);
     };
-    EXPECT_EXIT(report(false), testing::ExitedWithCode(0),
-                "[0-9]: x\n(.+\n)?of the host\n-+\n.+ Trace stopped");
-    EXPECT_EXIT(report(true), testing::ExitedWithCode(0),
+    const std::string closed = "[0-9]: x\n(.+\n)?of the host\n-+\n.+ Trace stopped";
+    EXPECT_EXIT(report([] { TraceFile::GetInstance().Stop(); }), testing::ExitedWithCode(0),
+                closed);
+    EXPECT_EXIT(report([] { std::exit(0); }), testing::ExitedWithCode(0), closed);
+    EXPECT_EXIT(report([] { TraceFile::GetInstance().SetLevel(Off); }), testing::ExitedWithCode(0),
                 "of the host.+ changed to 0\n\n-+\n.+ Trace stopped");
 }
 

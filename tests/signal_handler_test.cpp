@@ -119,7 +119,7 @@ TEST(SignalHandlerThread, HandsSignalsToThePreviousFunctionAndTheHandler) {
     EXPECT_EQ(ThreadTap::ByThread("signal_handler", expected), expected);
 }
 
-TEST(SignalHandlerThread, ReadsTheSlotAgainAfterThePreviousFunction) {
+TEST(SignalHandlerThread, ReadsTheSlotAgainAfterThePreviousFunctionAndIsReplacedOnceStopped) {
     const Disposition dispositions[] = {{SIGUSR1, RaiseAnother}, {SIGUSR2, SIG_DFL}};
     const int signals[] = {SIGUSR1, SIGUSR2, 0};
     std::vector<int> numbers;
@@ -127,6 +127,10 @@ TEST(SignalHandlerThread, ReadsTheSlotAgainAfterThePreviousFunction) {
     SignalHandlerThread* const thread = SignalHandlerThread::InstallHandler(handler, signals);
     raise(SIGUSR1);
     thread->Stop();
+    SignalHandlerThread* const next = SignalHandlerThread::InstallHandler(handler, signals);
+    EXPECT_NE(next, thread);
+    next->Stop();
+    delete next;
     delete thread;
     EXPECT_EQ(numbers, (std::vector<int>{SIGUSR2, SIGUSR2}));
 }
