@@ -44,8 +44,8 @@ bool Hooks::Fails(Call call) {
         kill(getpid(), SIGKILL);
     }
     // What the calls most likely fail with, in the order of Call.
-    constexpr int c_errors[] = {ENOMEM, EMFILE, ENOSPC, ESPIPE, EIO,    EIO,    EPERM,  EIO,
-                                ENOMEM, EINVAL, EAGAIN, EINTR,  EINVAL, EACCES, EAGAIN, EINVAL};
+    constexpr int c_errors[] = {ENOMEM, EMFILE, ENOSPC, ESPIPE, EIO,    EIO,    EPERM, EIO,
+                                ENOMEM, EINVAL, EAGAIN, EINVAL, EACCES, EAGAIN, EINTR, EINVAL};
     errno = harm == Harm::eInterrupted ? EINTR : c_errors[index];
     return true;
 }

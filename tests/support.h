@@ -58,10 +58,10 @@ enum class Call {
     eMap,
     eClock,
     eThread,
-    eWait,  // for a semaphore
     eSignal,
     eRemove,
     eDaemon,
+    eWait,  // for a semaphore; is only ever interrupted
     eMask,  // cannot fail
     eCount
 };

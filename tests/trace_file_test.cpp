@@ -164,17 +164,10 @@ TEST(TraceFile, FinishesWhatACancelledThreadBegins) {
                                 c_changed + "0\n" + TraceClosing());
 }
 
-TEST(TraceFile, WritesWhatIsAtMostItsLevelAndNeverAtOff) {
-    TraceTap trace(Medium);
-    for (const TraceLevel_e level : {Off, Low, Medium, High, Detail}) {
-        Line(level, std::to_string(level));
-        EXPECT_EQ(TraceGateOpen(level), level <= Medium);
-    }
-    EXPECT_EQ(trace.News(), "[#: #]   76: 1\n[#: #]   76: 2\n");
-}
-
-TEST(TraceFile, PrefixesTextsAsTheFlagsSayAndEndsThemAtTheirNul) {
+TEST(TraceFile, WritesTextsUpToItsLevelAndTheirNulPrefixedAsTheFlagsSay) {
     TraceTap trace;
+    Line(Off, "never");
+    Line(Medium, "above");
     for (const auto& [file, line] :
          {std::pair(true, true), {true, false}, {false, true}, {false, false}}) {
         bool fileRead = !file;

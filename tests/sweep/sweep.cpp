@@ -334,11 +334,9 @@ std::vector<Kind> Kinds() {
         {"call interrupted", c_system & ~c_threads & ~c_own, Harm::eInterrupted},
         {"half a write", Hooks::Bit(Call::eWrite), Harm::eShort},
         {"killed at a call", c_system, Harm::eKilled}};
-    for (auto call = static_cast<int>(Call::eOpen); call < static_cast<int>(Call::eCount); ++call) {
-        if (call != static_cast<int>(Call::eWait)) {  // which is only ever interrupted
-            kinds.push_back({"call " + std::to_string(call) + " from then on",
-                             Hooks::Bit(Call(call)), Harm::eFromThenOn});
-        }
+    for (auto call = static_cast<int>(Call::eOpen); call < static_cast<int>(Call::eWait); ++call) {
+        kinds.push_back({"call " + std::to_string(call) + " from then on", Hooks::Bit(Call(call)),
+                         Harm::eFromThenOn});
     }
     return kinds;
 }
