@@ -1,6 +1,7 @@
 #include <quor/any_reference.h>
 
 #include <quor/exception.h>
+#include <quor/internal/joined.h>
 #include <quor/process.h>
 
 namespace quor {
@@ -20,13 +21,11 @@ AnyReference::~AnyReference() = default;
 
 void AnyReference::ThrowTypeException(const std::string& where, const std::type_info& first,
                                       const std::type_info& second) {
-    std::string text = "AnyReference: types differ in " + where + " ( ";
-    if (first == second) {
-        text += "difference in constness of type " + CppName(first);
-    } else {
-        text += CppName(first) + " != " + CppName(second);
-    }
-    throw Exception(text + ").", true);
+    const std::string difference =
+        first == second ? internal::Joined({"difference in constness of type ", CppName(first)})
+                        : internal::Joined({CppName(first), " != ", CppName(second)});
+    throw Exception(
+        internal::Joined({"AnyReference: types differ in ", where, " ( ", difference, ")."}), true);
 }
 
 template class AnyReference::SpecificPtrHolder<signed char>;

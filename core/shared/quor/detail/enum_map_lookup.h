@@ -58,7 +58,7 @@ E EnumMap<E>::ToValue(const std::string& name) {
     const auto found = items.NameToValue().find(name.c_str());
     // No entry contains a NUL, but the part of `name` before one may match.
     if (found == items.NameToValue().end() || name != found->first) {
-        throw Exception("no enumeration value has the name \"" + name + "\"", true);
+        throw Exception("no enumeration value has the name \"" + name + '"', true);
     }
     return found->second;
 }
