@@ -71,11 +71,8 @@ TEST(Lock, ReleasesInTheOrderGiven) {
 }
 
 TEST(Lock, ExcludesOthersWithoutDeadlockAndHoldsNothingWhenItThrows) {
-    std::mutex mutexes[8];
-    std::vector<std::mutex*> forward;
-    for (std::mutex& mutex : mutexes) {
-        forward.push_back(&mutex);
-    }
+    std::mutex mutexes[4];
+    const std::vector<std::mutex*> forward{&mutexes[0], &mutexes[1], &mutexes[2], &mutexes[3]};
     const std::vector<std::mutex*> backward(forward.rbegin(), forward.rend());
     int guarded = 0;
     const auto run = [&guarded, &mutexes](const std::vector<std::mutex*>& list) {

@@ -88,7 +88,9 @@ TEST(LogDeathTest, CriticalMessagesOnlyReachTheTraceWhileThereIsNoLog) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         TraceFile::GetInstance().Start(Low);
         LogCritical("x");
-        std::cout << "of the host";
+        std::ios_base::sync_with_stdio(false);
+        std::cout << "of ";
+        std::printf("the host");
         end();
         _exit(Log::m_enabled ? 1 : 0);
     };

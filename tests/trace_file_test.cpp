@@ -168,6 +168,8 @@ TEST(TraceFile, WritesTextsUpToItsLevelAndTheirNulPrefixedAsTheFlagsSay) {
     TraceTap trace;
     Line(Off, "never");
     Line(Medium, "above");
+    const std::string filling(544, 'x');  // the room on the stack, but for the line feed
+    Line(Low, filling);
     for (const auto& [file, line] :
          {std::pair(true, true), {true, false}, {false, true}, {false, false}}) {
         bool fileRead = !file;
@@ -180,10 +182,10 @@ TEST(TraceFile, WritesTextsUpToItsLevelAndTheirNulPrefixedAsTheFlagsSay) {
         Line(Low, std::string("c\0d", 3), 12345);
         EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 2);
     }
-    EXPECT_EQ(trace.News(),
-              "[#: #] file  76: a\n\nb\n[#: #] file12345: c\n"
-              "[#: #] file: a\n\nb\n[#: #] file: c\n"
-              "[#: #]   76: a\n\nb\n[#: #] 12345: c\n[#: #] a\n\nb\n[#: #] c\n");
+    EXPECT_EQ(trace.News(), "[#: #]   76: " + filling +
+                                "\n[#: #] file  76: a\n\nb\n[#: #] file12345: c\n"
+                                "[#: #] file: a\n\nb\n[#: #] file: c\n"
+                                "[#: #]   76: a\n\nb\n[#: #] 12345: c\n[#: #] a\n\nb\n[#: #] c\n");
 }
 
 TEST(TraceFile, StampsLinesWithThreadAndLocalTimeOfDay) {
@@ -195,10 +197,9 @@ TEST(TraceFile, StampsLinesWithThreadAndLocalTimeOfDay) {
     Line(Low, "y");
     clock.Advance(1);
     Line(Low, "z");
-    const std::string head =
-        "\n[" +
-        (std::string(5, '0') + std::to_string(GetTid())).substr(std::to_string(GetTid()).size()) +
-        ": ";
+    char label[20];
+    std::snprintf(label, sizeof(label), "\n[%05d: ", GetTid());
+    const std::string head = label;
     EXPECT_THAT(ReadFile("trace.log"), testing::HasSubstr(head + "05:25:45.000000000]   76: x" +
                                                           head + "06:25:45.000000000]   76: y" +
                                                           head + "06:25:46.000000000]   76: z\n"));
@@ -237,7 +238,7 @@ TEST(TraceFile, DumpsTheStackAsOneEntryOfNumberedLinesAndAnEmptyOne) {
     TraceTap trace;
     DumpAtDepth(1);
     EXPECT_EQ(trace.News(), "");
-    File().SetDumpStack(true);
+    EXPECT_TRUE(File().SetDumpStack(true));
     const int writes = g_hooks.Calls(Call::eWrite);
     DumpAtDepth(2);
     EXPECT_EQ(g_hooks.Calls(Call::eWrite) - writes, 1);

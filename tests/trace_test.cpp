@@ -190,8 +190,7 @@ TEST(TraceMacro, NeedsNoMemoryUpTo400CharactersAndKeepsLongerTextsWhole) {
     {
         const ScopedValue memory(Hooks::allocations, 0);
         QUOR_TRACE(Low, text << 1);
-        // Lost, not cut, whatever there is room for later.
-        QUOR_TRACE(Low, text << 12 << (Hooks::allocations = -1) << text);
+        QUOR_TRACE(Low, text << 12 << (Hooks::allocations = -1) << text);  // lost, not cut
     }
     QUOR_TRACE(Low, text << 23 << text << text << text << '\0' << text);
     EXPECT_EQ(trace.News(),
